@@ -1,0 +1,67 @@
+'use strict';
+// Engine teardown through the environment cleanup hook, and silence after DestroyEngine.
+
+const test = require('node:test');
+const assert = require('node:assert');
+const {
+  addonModule, simModule, loadAddon, loadSim, createEngine, sleep, runNode, countLines,
+} = require('./support/addon-harness');
+
+test('a worker torn down without DestroyEngine takes its engine down exactly once', () => {
+  const r = runNode(`
+    const { Worker } = require('worker_threads');
+    const sim = require(${JSON.stringify(simModule)});
+    const addon = require(${JSON.stringify(addonModule)});
+    sim.reset();
+    const w = new Worker(\`
+      const addon = require(${JSON.stringify(addonModule)});
+      addon.CreateEngine({ profile: { appID: 1, scenario: 0 }, tsfn: () => {}, SDKVersion: 'w', electronVersion: 'w' });
+      require('worker_threads').parentPort.postMessage('created');
+    \`, { eval: true });
+    // The engine's event function keeps the worker alive: it ends only when terminated.
+    w.on('message', () => w.terminate());
+    w.on('exit', () => {
+      const count = (fn) => sim.calls(fn).length;
+      console.log('after worker: inits=' + count('orva_vantix_engine_init_with_profile') +
+        ' uninits=' + count('orva_vantix_engine_uninit_async'));
+      // The engine is gone, so this environment may make its own.
+      addon.CreateEngine({ profile: { appID: 1, scenario: 0 }, tsfn: () => {}, SDKVersion: 'm', electronVersion: 'm' });
+      addon.DestroyEngine();
+      console.log('after main: inits=' + count('orva_vantix_engine_init_with_profile') +
+        ' uninits=' + count('orva_vantix_engine_uninit_async'));
+    });
+  `);
+  assert.strictEqual(r.status, 0, r.stderr + r.stdout);
+  assert.match(r.stdout, /^after worker: inits=1 uninits=1$/m);
+  assert.match(r.stdout, /^after main: inits=2 uninits=2$/m);
+  assert.strictEqual(countLines(r.stdout, 'OrvaVantixAddon tsfn finalizer '), 2, r.stdout);
+});
+
+test('a worker that destroyed its engine leaves nothing for its cleanup hook', () => {
+  const r = runNode(`
+    const { Worker } = require('worker_threads');
+    const sim = require(${JSON.stringify(simModule)});
+    sim.reset();
+    const w = new Worker(\`
+      const addon = require(${JSON.stringify(addonModule)});
+      addon.CreateEngine({ profile: { appID: 1, scenario: 0 }, tsfn: () => {}, SDKVersion: 'w', electronVersion: 'w' });
+      addon.DestroyEngine();
+    \`, { eval: true });
+    w.on('exit', (code) => console.log('exit ' + code + ' uninits=' + sim.calls('orva_vantix_engine_uninit_async').length));
+  `);
+  assert.strictEqual(r.status, 0, r.stderr + r.stdout);
+  assert.match(r.stdout, /^exit 0 uninits=1$/m);
+});
+
+test('nothing reaches script after DestroyEngine', async () => {
+  const addon = loadAddon();
+  const sim = loadSim();
+  const session = createEngine(addon);
+  session.destroy();
+  const seen = session.events.length;  // whatever the engine said before it was destroyed
+  sim.emit('room_state_update', { roomID: 'r', state: 2, errorCode: 0, extendedData: '' });
+  sim.emit('room_token_will_expire', { roomID: 'r', remainTimeInSecond: 30 });  // stays registered
+  addon.SetRoomMode({});
+  await sleep(100);
+  assert.strictEqual(session.events.length, seen);
+});
