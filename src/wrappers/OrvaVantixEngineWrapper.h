@@ -1,0 +1,116 @@
+// The script class through which script drives the engine once CreateEngine has made it.
+//
+// The class is split by feature family into several files that share this header:
+//   OrvaVantixEngineWrapper.cc          the frame: class definition with the method table,
+//                                       constructor, uploadLog, enableDebugAssistant,
+//                                       registerEventHandler
+//   OrvaVantixEngineWrapper_room.cc     rooms
+//   OrvaVantixEngineWrapper_publish.cc  preview, publishing, encoder settings, snapshots
+//   OrvaVantixEngineWrapper_play.cc     playing remote streams
+//   OrvaVantixEngineWrapper_frame.cc    the frame buffers script registers for rendering
+// Every method is written in the common shape of OrvaVantixEngineWrapper_shape.h.
+//
+// Threads and lifetimes: every method runs on the script thread. The wrapper owns no engine
+// state: it asks for the engine singleton (sdk::Engine::instance()) at each call and keeps
+// only its last argument error. Promise completions run on engine threads and hold the
+// promise's deferred, never the wrapper: a completion may outlive its wrapper object.
+#pragma once
+
+#include <napi.h>
+
+#include "bridge/ArgumentChecker.h"
+
+namespace orva {
+
+class OrvaVantixEngineWrapper : public Napi::ObjectWrap<OrvaVantixEngineWrapper> {
+ public:
+  // Defines the script class with its methods in the method table's order; the addon keeps
+  // the constructor (one per environment).
+  static Napi::Function Define(Napi::Env env);
+
+  explicit OrvaVantixEngineWrapper(const Napi::CallbackInfo& info);
+
+ private:
+  using Method = Napi::Value (OrvaVantixEngineWrapper::*)(const Napi::CallbackInfo&);
+  // One row of the method table: the script name and the method behind it.
+  struct MethodRow {
+    const char* name;
+    Method method;
+  };
+  static const MethodRow kMethodTable[];
+
+  // ---- frame (OrvaVantixEngineWrapper.cc)
+  Napi::Value uploadLog(const Napi::CallbackInfo& info);
+  Napi::Value enableDebugAssistant(const Napi::CallbackInfo& info);
+  Napi::Value registerEventHandler(const Napi::CallbackInfo& info);
+
+  // ---- rooms (OrvaVantixEngineWrapper_room.cc)
+  Napi::Value loginRoom(const Napi::CallbackInfo& info);
+  Napi::Value logoutRoom(const Napi::CallbackInfo& info);
+  Napi::Value switchRoom(const Napi::CallbackInfo& info);
+  Napi::Value setRoomExtraInfo(const Napi::CallbackInfo& info);
+  Napi::Value renewToken(const Napi::CallbackInfo& info);
+  Napi::Value setRoomScenario(const Napi::CallbackInfo& info);
+
+  // ---- publishing (OrvaVantixEngineWrapper_publish.cc)
+  Napi::Value startPublishingStream(const Napi::CallbackInfo& info);
+  Napi::Value stopPublishingStream(const Napi::CallbackInfo& info);
+  Napi::Value setStreamExtraInfo(const Napi::CallbackInfo& info);
+  Napi::Value startPreview(const Napi::CallbackInfo& info);
+  Napi::Value stopPreview(const Napi::CallbackInfo& info);
+  Napi::Value setVideoConfig(const Napi::CallbackInfo& info);
+  Napi::Value getVideoConfig(const Napi::CallbackInfo& info);
+  Napi::Value setVideoMirrorMode(const Napi::CallbackInfo& info);
+  Napi::Value setAudioConfig(const Napi::CallbackInfo& info);
+  Napi::Value getAudioConfig(const Napi::CallbackInfo& info);
+  Napi::Value mutePublishStreamAudio(const Napi::CallbackInfo& info);
+  Napi::Value mutePublishStreamVideo(const Napi::CallbackInfo& info);
+  Napi::Value enableTrafficControl(const Napi::CallbackInfo& info);
+  Napi::Value setMinVideoBitrateForTrafficControl(const Napi::CallbackInfo& info);
+  Napi::Value setMinVideoFpsForTrafficControl(const Napi::CallbackInfo& info);
+  Napi::Value setMinVideoResolutionForTrafficControl(const Napi::CallbackInfo& info);
+  Napi::Value setTrafficControlFocusOn(const Napi::CallbackInfo& info);
+  Napi::Value addPublishCdnUrl(const Napi::CallbackInfo& info);
+  Napi::Value removePublishCdnUrl(const Napi::CallbackInfo& info);
+  Napi::Value enablePublishDirectToCDN(const Napi::CallbackInfo& info);
+  Napi::Value setPublishWatermark(const Napi::CallbackInfo& info);
+  Napi::Value sendSEI(const Napi::CallbackInfo& info);
+  Napi::Value setSEIConfig(const Napi::CallbackInfo& info);
+  Napi::Value enableHardwareEncoder(const Napi::CallbackInfo& info);
+  Napi::Value enableH265EncodeFallback(const Napi::CallbackInfo& info);
+  Napi::Value isVideoEncoderSupported(const Napi::CallbackInfo& info);
+  Napi::Value setCapturePipelineScaleMode(const Napi::CallbackInfo& info);
+  Napi::Value setStreamAlignmentProperty(const Napi::CallbackInfo& info);
+  Napi::Value setPublishStreamEncryptionKey(const Napi::CallbackInfo& info);
+  Napi::Value takePublishStreamSnapshot(const Napi::CallbackInfo& info);
+  Napi::Value setVideoSource(const Napi::CallbackInfo& info);
+  Napi::Value setAudioSource(const Napi::CallbackInfo& info);
+  Napi::Value setAudioSourceWithConfig(const Napi::CallbackInfo& info);
+
+  // ---- playing (OrvaVantixEngineWrapper_play.cc)
+  Napi::Value startPlayingStream(const Napi::CallbackInfo& info);
+  Napi::Value stopPlayingStream(const Napi::CallbackInfo& info);
+  Napi::Value setPlayVolume(const Napi::CallbackInfo& info);
+  Napi::Value setAllPlayStreamVolume(const Napi::CallbackInfo& info);
+  Napi::Value mutePlayStreamAudio(const Napi::CallbackInfo& info);
+  Napi::Value mutePlayStreamVideo(const Napi::CallbackInfo& info);
+  Napi::Value muteAllPlayStreamAudio(const Napi::CallbackInfo& info);
+  Napi::Value muteAllPlayStreamVideo(const Napi::CallbackInfo& info);
+  Napi::Value enableHardwareDecoder(const Napi::CallbackInfo& info);
+  Napi::Value enableCheckPoc(const Napi::CallbackInfo& info);
+  Napi::Value isVideoDecoderSupported(const Napi::CallbackInfo& info);
+  Napi::Value setPlayStreamDecryptionKey(const Napi::CallbackInfo& info);
+  Napi::Value setPlayStreamFocusOn(const Napi::CallbackInfo& info);
+  Napi::Value setPlayStreamVideoType(const Napi::CallbackInfo& info);
+  Napi::Value setPlayStreamBufferIntervalRange(const Napi::CallbackInfo& info);
+  Napi::Value takePlayStreamSnapshot(const Napi::CallbackInfo& info);
+
+  // ---- frame buffers for rendering (OrvaVantixEngineWrapper_frame.cc)
+  Napi::Value initVideoCaptureBuffer(const Napi::CallbackInfo& info);
+  Napi::Value initVideoPlayBuffer(const Napi::CallbackInfo& info);
+  Napi::Value initMediaPlayerBuffer(const Napi::CallbackInfo& info);
+
+  ArgumentErrors errors_;  // written by the argument checker, read by the debug alerts
+};
+
+}  // namespace orva
