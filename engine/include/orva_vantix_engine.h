@@ -167,6 +167,10 @@ typedef void* orva_view_handle;
 /* ---------------------------------------------------------------------------------------
  * Structures
  * ------------------------------------------------------------------------------------- */
+/* A snapshot picture where orva_image_handle is not an HBITMAP: 4 bytes a pixel in the
+ * order B,G,R,A (`format` ORVA_VIDEO_FRAME_FORMAT_BGRA32), rows TOP-DOWN (the first row
+ * first in memory), `stride` bytes apart with stride >= width * 4; dataLength is
+ * stride * height. */
 typedef struct orva_pixel_image {
     const uint8_t* data;
     uint32_t dataLength;
