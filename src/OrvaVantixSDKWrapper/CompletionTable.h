@@ -12,18 +12,32 @@
 // completion then runs on the storing thread. Nothing is kept once no flight is open. No lock
 // is held across the engine call itself: an engine that calls back on a thread of its own
 // while it holds its own locks could otherwise deadlock against the caller.
+//
+// A result that borrows engine memory (a snapshot's image handle, valid only during the
+// callback) cannot be kept for later: its trampoline waits instead, bounded, for the open
+// flights to land, so the completion still runs inside the engine callback.
 #pragma once
 
 #include <cstddef>
+#include <chrono>
+#include <condition_variable>
 #include <cstdint>
 #include <functional>
 #include <mutex>
 #include <optional>
+#include <type_traits>
 #include <unordered_map>
 #include <utility>
 #include <vector>
 
 namespace orva::sdk {
+
+// Events whose `image` is a raw engine handle: the handle dies when the callback returns.
+template <class Event, class = void>
+struct BorrowsEngineMemory : std::false_type {};
+template <class Event>
+struct BorrowsEngineMemory<Event, std::void_t<decltype(std::declval<Event&>().image)>>
+    : std::is_pointer<std::remove_reference_t<decltype(std::declval<Event&>().image)>> {};
 
 template <class Event>
 class CompletionTable {
@@ -67,7 +81,11 @@ class CompletionTable {
     for (;;) {
       Callable done;
       {
-        std::lock_guard<std::recursive_mutex> lock(mutex_);
+        std::unique_lock<std::recursive_mutex> lock(mutex_);
+        if constexpr (BorrowsEngineMemory<Event>::value) {
+          // Wait for the call that returned `seq` to store its completion (or give up).
+          landed_.wait_for(lock, kBorrowedWait, [&] { return flights_ == 0 || pending_.count(seq) != 0; });
+        }
         {
           std::lock_guard<std::recursive_mutex> lookup(mutex_);
           auto it = pending_.find(seq);
@@ -76,7 +94,7 @@ class CompletionTable {
         if (done) {
           std::lock_guard<std::recursive_mutex> removal(mutex_);
           pending_.erase(seq);
-        } else if (flights_ == 0) {
+        } else if (flights_ == 0 || BorrowsEngineMemory<Event>::value) {
           return;  // unknown sequence number
         } else if (event) {
           early_.emplace_back(seq, std::move(*event));
@@ -109,6 +127,7 @@ class CompletionTable {
 
  private:
   static constexpr std::size_t kMaxEarly = 64;
+  static constexpr std::chrono::milliseconds kBorrowedWait{2000};
 
   void land(int32_t seq, Callable done, bool stored) {
     std::optional<Event> early;
@@ -126,10 +145,12 @@ class CompletionTable {
       }
       if (--flights_ == 0) early_.clear();
     }
+    landed_.notify_all();
     if (early && done) done(std::move(*early));
   }
 
   mutable std::recursive_mutex mutex_;
+  std::condition_variable_any landed_;
   std::unordered_map<int32_t, Callable> pending_;
   std::vector<std::pair<int32_t, Event>> early_;
   int flights_ = 0;

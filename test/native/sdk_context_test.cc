@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <string>
 #include <thread>
@@ -64,6 +65,34 @@ TEST(SdkCompletionTable, ResultBeforeStoreReachesTheCompletion) {
   int32_t got = -1;
   flight.store(9, [&](Result r) { got = r.errorCode; });
   EXPECT_EQ(got, 42);
+  EXPECT_EQ(table.size(), 0u);
+}
+
+// A snapshot's image handle is valid only inside the engine callback, so an early answer
+// carrying one must not be kept: the engine thread waits for the store and the completion
+// runs there, while the handle is still alive.
+TEST(SdkCompletionTable, EarlyAnswerWithBorrowedImageRunsInsideTheCallback) {
+  struct Snapshot {
+    int32_t errorCode = 0;
+    void* image = nullptr;
+  };
+  static_assert(BorrowsEngineMemory<Snapshot>::value);
+  static_assert(!BorrowsEngineMemory<Result>::value);
+  CompletionTable<Snapshot> table;
+  auto flight = table.beginCall();
+  std::atomic<bool> imageAlive{false};
+  std::atomic<bool> sawLiveImage{false};
+  std::thread engine([&] {
+    int pixels = 7;
+    imageAlive = true;
+    table.complete(4, [&] { return Snapshot{0, &pixels}; });
+    imageAlive = false;  // the engine frees the image once the callback returned
+  });
+  while (!imageAlive) std::this_thread::yield();
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));  // the answer is waiting now
+  flight.store(4, [&](Snapshot s) { sawLiveImage = imageAlive && *static_cast<int*>(s.image) == 7; });
+  engine.join();
+  EXPECT_TRUE(sawLiveImage);
   EXPECT_EQ(table.size(), 0u);
 }
 
