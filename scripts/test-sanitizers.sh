@@ -1,0 +1,36 @@
+#!/usr/bin/env bash
+# npm run test:sanitizers: the asan (ASan+UBSan) and tsan builds, each running the native
+# tests (ctest) and the script tests (node --test) through scripts/run-sanitized.sh.
+# Every suite runs; the exit code is non-zero if any failed.
+set -uo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+failed=()
+# part TITLE COMMAND...: runs one part, reports its time, records a failure.
+part() {
+  local title=$1 start=$SECONDS
+  shift
+  echo "=== $title"
+  if "$@"; then
+    echo "=== $title: ok ($((SECONDS - start))s)"
+  else
+    echo "=== $title: FAILED ($((SECONDS - start))s)"
+    failed+=("$title")
+    return 1
+  fi
+}
+
+for kind in asan tsan; do
+  part "$kind build" node scripts/build.js "$kind" || continue
+  # The native test executables carry their own sanitizer runtime: no preload.
+  part "$kind native tests (ctest)" \
+    scripts/run-sanitized.sh --no-preload "$kind" ctest --preset "$kind" --output-on-failure
+  part "$kind script tests (node --test)" \
+    scripts/run-sanitized.sh "$kind" node scripts/run-js-tests.js
+done
+
+if ((${#failed[@]})); then
+  printf 'test:sanitizers: FAILED: %s\n' "$(IFS=,; echo "${failed[*]}")"
+  exit 1
+fi
+echo "test:sanitizers: passed"
