@@ -17,28 +17,15 @@
 // same clock). That includes the simulated engine's own share (payload conversion, the hop
 // to an engine thread), shown separately as the time its emit call took.
 
-const fs = require('fs');
 const path = require('path');
-const { spawnSync } = require('child_process');
 const paths = require('../scripts/paths');
+const { loadNativeHelper } = require('./native-helper');
 
 const EVENTS = 1000000;
 const ROUNDS = 3;
 const LATENCY_SECONDS = 2;
 
-function buildHelper() {
-  const source = path.join(__dirname, 'native', 'events_bench_helper.c');
-  const out = path.join(paths.buildDir(), 'bench', 'events_bench_helper.node');
-  if (!fs.existsSync(out) || fs.statSync(out).mtimeMs < fs.statSync(source).mtimeMs) {
-    fs.mkdirSync(path.dirname(out), { recursive: true });
-    const include = require('node-api-headers').include_dir;
-    const cc = process.env.CC || 'cc';
-    const r = spawnSync(cc, ['-O2', '-shared', '-fPIC', `-I${include}`, '-o', out, source, '-lpthread', '-ldl'],
-      { encoding: 'utf8' });
-    if (r.status !== 0) throw new Error(`cannot build the bench helper with ${cc}: ${r.stderr || r.error}`);
-  }
-  return require(out);
-}
+const buildHelper = () => loadNativeHelper('events_bench_helper', ['-lpthread', '-ldl']);
 
 const now = () => process.hrtime.bigint();
 const seconds = (from) => Number(now() - from) / 1e9;

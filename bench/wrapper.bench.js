@@ -19,27 +19,15 @@
 // resolves: the simulated engine's picture, JPEG encoding and Base64 on the engine thread,
 // delivery). The encoding alone is the "image" suite of orva_bench (bench/README.md).
 
-const fs = require('fs');
 const path = require('path');
-const { spawnSync } = require('child_process');
 const paths = require('../scripts/paths');
+const { loadNativeHelper } = require('./native-helper');
 
 const CALLS = 200000;
 const ROUNDS = 7;
 const SNAPSHOTS = 11;
 
-function buildBaseline() {
-  const source = path.join(__dirname, 'native', 'wrapper_bench_baseline.c');
-  const out = path.join(paths.buildDir(), 'bench', 'wrapper_bench_baseline.node');
-  if (!fs.existsSync(out) || fs.statSync(out).mtimeMs < fs.statSync(source).mtimeMs) {
-    fs.mkdirSync(path.dirname(out), { recursive: true });
-    const include = require('node-api-headers').include_dir;
-    const cc = process.env.CC || 'cc';
-    const r = spawnSync(cc, ['-O2', '-shared', '-fPIC', `-I${include}`, '-o', out, source], { encoding: 'utf8' });
-    if (r.status !== 0) throw new Error(`cannot build the bench baseline with ${cc}: ${r.stderr || r.error}`);
-  }
-  return require(out);
-}
+const buildBaseline = () => loadNativeHelper('wrapper_bench_baseline', []);
 
 const now = () => process.hrtime.bigint();
 const median = (xs) => [...xs].sort((a, b) => a - b)[Math.floor(xs.length / 2)];
