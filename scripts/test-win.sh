@@ -3,6 +3,7 @@
 # node.exe. Needs `scripts/setup.sh --windows` (MinGW-w64, Wine); node.exe and the Wine
 # prefix are prepared under build/wine/ on first use.
 #   - test/wine/smoke.js in node.exe, then again in a host renamed like Electron's;
+#   - test/wine/snapshot.js: a publish snapshot JPEG made by GDI+, decoded and checked;
 #   - test/js/00.build.test.js through Node's test runner in node.exe;
 #   - every Windows check executable (test/wine/*.cc), each closing with
 #     "N passed, M failed".
@@ -21,6 +22,11 @@ scripts/wine/node.sh --expect "$pass" test/wine/smoke.js || failed+=("smoke (nod
 echo "--- wine: smoke test in a host named orva-electron-host.exe"
 ORVA_WINE_HOST=orva-electron-host.exe scripts/wine/node.sh --expect "$pass" test/wine/smoke.js ||
   failed+=("smoke (renamed host)")
+
+# A publish snapshot through the addon: the simulated engine's HBITMAP, real GDI+ JPEG.
+echo "--- wine: publish snapshot through GDI+ in node.exe"
+scripts/wine/node.sh --expect '^snapshot: [1-9][0-9]* passed, 0 failed$' test/wine/snapshot.js ||
+  failed+=("snapshot.js")
 
 # The package entry point test, through Node's test runner in node.exe.
 echo "--- wine: test/js/00.build.test.js in node.exe"
