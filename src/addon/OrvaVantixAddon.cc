@@ -9,6 +9,8 @@
 #include "OrvaVantixSDKWrapper/OrvaVantixSDKWrapper.h"
 #include "bridge/DebugLog.h"
 #include "bridge/OrvaVantixAddonDataCenter.h"
+#include "bridge/ScriptBoundary.h"
+#include "events/OrvaVantixAddonCustomVideoRenderer.h"
 #include "wrappers/OrvaVantixAudioEffectPlayerWrapper.h"
 #include "wrappers/OrvaVantixCopyrightedMusicWrapper.h"
 #include "wrappers/OrvaVantixEngineWrapper.h"
@@ -60,14 +62,21 @@ OrvaVantixAddon::OrvaVantixAddon(Napi::Env env, Napi::Object exports) {
 }
 
 OrvaVantixAddon::~OrvaVantixAddon() {
-  logToConsole("OrvaVantixAddon destruct!");
-  // Last defined, first released: the screen capture source's constructor goes first,
-  // the engine wrapper's last.
-  for (auto it = constructors_.rbegin(); it != constructors_.rend(); ++it) {
-    if (!it->IsEmpty()) it->Reset();
-  }
-  mediaPlayers_.clear();
-  audioEffectPlayers_.clear();
+  // Runs from the environment's instance-data finaliser: nothing may escape.
+  atBoundary(nullptr, [&] {
+    logToConsole("OrvaVantixAddon destruct!");
+    // The engine may belong to another environment and keep delivering frames: this
+    // environment's buffers leave the renderer before their references go.
+    OrvaVantixAddonCustomVideoRenderer::instance()->forgetOwner(ownerTag());
+    frameBuffers_.releaseAll();
+    // Last defined, first released: the screen capture source's constructor goes first,
+    // the engine wrapper's last.
+    for (auto it = constructors_.rbegin(); it != constructors_.rend(); ++it) {
+      if (!it->IsEmpty()) it->Reset();
+    }
+    mediaPlayers_.clear();
+    audioEffectPlayers_.clear();
+  });
 }
 
 Napi::Object OrvaVantixAddon::newInstance(ScriptClass cls) {

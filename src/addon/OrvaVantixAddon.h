@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "bridge/ArgumentChecker.h"
+#include "bridge/HeldScriptValues.h"
 
 namespace orva {
 namespace sdk {
@@ -54,6 +55,11 @@ class OrvaVantixAddon : public Napi::Addon<OrvaVantixAddon> {
 
   ArgumentErrors& argumentErrors() { return errors_; }
 
+  // The frame buffers this environment registered, held until replaced, removed or torn
+  // down; the renderer's slots carry this addon as their owner tag.
+  HeldScriptValues& frameBuffers() { return frameBuffers_; }
+  const void* ownerTag() const { return this; }
+
  private:
   // Script methods (OrvaVantixAddon_config.cc, OrvaVantixAddon_engine.cc).
   Napi::Value GetNativeDllVersion(const Napi::CallbackInfo& info);
@@ -70,6 +76,7 @@ class OrvaVantixAddon : public Napi::Addon<OrvaVantixAddon> {
   static void cleanUpEnvironment(void* record);
 
   ArgumentErrors errors_;
+  HeldScriptValues frameBuffers_;
   std::vector<std::shared_ptr<sdk::MediaPlayer>> mediaPlayers_;
   std::vector<std::shared_ptr<sdk::AudioEffectPlayer>> audioEffectPlayers_;
   std::array<Napi::FunctionReference, kScriptClassCount> constructors_;

@@ -18,6 +18,7 @@
 #include "addon/OrvaVantixAddon.h"
 #include "bridge/DebugLog.h"
 #include "bridge/OrvaVantixAddonDataCenter.h"
+#include "bridge/ScriptBoundary.h"
 
 namespace orva {
 namespace {
@@ -215,6 +216,7 @@ void OrvaVantixAddon::tearDownEngine() {
   center.contextDestroyed.store(true);
   center.releaseEngineEventFunction(handle);
   resetEngineHandlerState();
+  frameBuffers_.releaseAll();  // the renderer no longer writes into any of them
   center.releaseNamedEventFunction("tsfn");
   lifecycle().versionLogged.store(false);
   lifecycle().owner.store(nullptr);
@@ -222,10 +224,12 @@ void OrvaVantixAddon::tearDownEngine() {
 
 void OrvaVantixAddon::cleanUpEnvironment(void* data) {
   std::unique_ptr<EnvCleanupRecord> record(static_cast<EnvCleanupRecord*>(data));
-  logToConsole("clean vantix electron env!");
-  // An engine made by another environment (after this one destroyed its own) is not this
-  // environment's to take down.
-  if (lifecycle().owner.load() == record->addon) record->addon->tearDownEngine();
+  atBoundary(nullptr, [&] {
+    logToConsole("clean vantix electron env!");
+    // An engine made by another environment (after this one destroyed its own) is not this
+    // environment's to take down.
+    if (lifecycle().owner.load() == record->addon) record->addon->tearDownEngine();
+  });
 }
 
 }  // namespace orva

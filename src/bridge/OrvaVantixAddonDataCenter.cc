@@ -6,6 +6,7 @@
 
 #include "bridge/DebugAlert.h"
 #include "bridge/DebugLog.h"
+#include "bridge/ScriptBoundary.h"
 
 namespace orva {
 namespace {
@@ -54,10 +55,12 @@ napi_threadsafe_function OrvaVantixAddonDataCenter::createEventFunction(
   return function;
 }
 
-void OrvaVantixAddonDataCenter::finalizeEventFunction(napi_env, void* data, void*) {
+void OrvaVantixAddonDataCenter::finalizeEventFunction(napi_env env, void* data, void*) {
   std::unique_ptr<EventFunctionRecord> record(static_cast<EventFunctionRecord*>(data));
-  writeLine(record->engineEvents ? "OrvaVantixAddon tsfn finalizer \n" : "tsfn finalizer \n");
-  instance().forgetEventFunction(*record);
+  atBoundary(env, [&] {
+    writeLine(record->engineEvents ? "OrvaVantixAddon tsfn finalizer \n" : "tsfn finalizer \n");
+    instance().forgetEventFunction(*record);
+  });
 }
 
 void OrvaVantixAddonDataCenter::forgetEventFunction(const EventFunctionRecord& record) {
@@ -83,21 +86,16 @@ void OrvaVantixAddonDataCenter::callIntoScript(napi_env env, napi_value callback
   // Node-API passes no environment for items still queued when the function is torn
   // down: they are only freed.
   if (env == nullptr || callback == nullptr) return;
-  if (!task) {
-    napi_value receiver;
-    if (napi_get_undefined(env, &receiver) == napi_ok) {
-      napi_call_function(env, receiver, callback, 0, nullptr, nullptr);
+  atBoundary(env, [&] {
+    if (!task) {
+      napi_value receiver;
+      if (napi_get_undefined(env, &receiver) == napi_ok) {
+        napi_call_function(env, receiver, callback, 0, nullptr, nullptr);
+      }
+      return;
     }
-    return;
-  }
-  // This is a C callback of Node-API: failures become script exceptions here.
-  try {
     (*task)(Napi::Env(env), Napi::Function(env, callback));
-  } catch (const Napi::Error& error) {
-    error.ThrowAsJavaScriptException();
-  } catch (const std::exception& error) {
-    napi_throw_error(env, nullptr, error.what());
-  }
+  });
 }
 
 void OrvaVantixAddonDataCenter::createEngineEventFunction(Napi::Env env, Napi::Function callback,

@@ -13,9 +13,13 @@
 //     its slot but keeps the entry and its mutex.
 //   - Lock order: map mutex, then entry mutex (removal and clear hold both; frames and
 //     registrations release the map before taking the entry).
-//   - A slot holds only the address of a script buffer, never a reference to it: script
-//     keeps the buffer alive while it is registered, and engine teardown clears every slot
-//     before script may let the buffers go.
+//   - A slot holds the address of a script buffer and the owner tag of the environment that
+//     registered it (its addon object). That environment holds a reference to the buffer
+//     until the slot is replaced, removed or cleared, and clears the slots it owns
+//     (clearOwner) before it lets its references go, so a copy never writes freed memory.
+//   - A slot never records more bytes than its buffer really holds: a buffer shorter than
+//     its stated sides counts as that short, and frames of the stated size go the way of any
+//     slot that is too small (size change announced, nothing copied).
 #pragma once
 
 #include <array>
@@ -70,22 +74,42 @@ enum class FrameOutcome : uint8_t {
              // size change): no event at all
 };
 
+// A script buffer handed over for rendering: its bytes, how many there really are, the
+// sides script stated for it, and who holds it alive.
+struct FrameBufferRegistration {
+  uint8_t* data = nullptr;
+  uint64_t length = 0;  // the buffer's real byte length
+  uint32_t width = 0;
+  uint32_t height = 0;
+  const void* owner = nullptr;  // tag of the registering environment
+
+  // width * height * 4 of the stated sides.
+  uint64_t statedBytes() const { return static_cast<uint64_t>(width) * height * 4u; }
+  // What the slot records: the stated size, but never more than the buffer holds.
+  uint32_t usableBytes() const {
+    const uint64_t bytes = statedBytes() < length ? statedBytes() : length;
+    return bytes > UINT32_MAX ? UINT32_MAX : static_cast<uint32_t>(bytes);
+  }
+};
+
 // One registered script buffer. `data` is guarded by the owner's mutex; width, height and
 // size are written with atomic exchanges.
 class FrameBufferSlot {
  public:
-  // Registration: size = width * height * 4 from the given numbers (32-bit, like the
-  // fields), never from the buffer's real length.
-  void assign(uint8_t* data, uint32_t width, uint32_t height) {
-    data_ = data;
-    width_.exchange(width);
-    height_.exchange(height);
-    size_.exchange(width * height * 4u);
+  // Registration: size = width * height * 4 of the stated sides, cut to the buffer's real
+  // length.
+  void assign(const FrameBufferRegistration& r) {
+    data_ = r.data;
+    owner_ = r.owner;
+    width_.exchange(r.width);
+    height_.exchange(r.height);
+    size_.exchange(r.usableBytes());
   }
 
   // Forgets the buffer: no pointer, size 0, so the next frame announces its size.
   void clear() {
     data_ = nullptr;
+    owner_ = nullptr;
     width_.exchange(0);
     height_.exchange(0);
     size_.exchange(0);
@@ -97,7 +121,7 @@ class FrameBufferSlot {
   FrameOutcome render(const FrameSource& f) {
     const uint64_t needed = neededBytes(f.width, f.height);
     if (size_.load() < needed) {
-      data_ = nullptr;
+      data_ = nullptr;  // the owner still holds the buffer until it registers another
       width_.exchange(static_cast<uint32_t>(f.width));
       height_.exchange(static_cast<uint32_t>(f.height));
       size_.exchange(static_cast<uint32_t>(needed));
@@ -112,12 +136,14 @@ class FrameBufferSlot {
   }
 
   uint8_t* data() const { return data_; }
+  const void* owner() const { return owner_; }
   uint32_t width() const { return width_.load(); }
   uint32_t height() const { return height_.load(); }
   uint32_t size() const { return size_.load(); }
 
  private:
   uint8_t* data_ = nullptr;
+  const void* owner_ = nullptr;
   std::atomic<uint32_t> width_{0};
   std::atomic<uint32_t> height_{0};
   std::atomic<uint32_t> size_{0};
@@ -147,25 +173,25 @@ class FrameBufferStore {
 
   // ---- registration (script thread)
   // A channel outside 0 to 3 has no slot: the registration is ignored.
-  void registerCapture(int32_t channel, uint8_t* data, uint32_t width, uint32_t height) {
+  void registerCapture(int32_t channel, const FrameBufferRegistration& r) {
     if (!isCaptureChannel(channel)) return;
     CaptureSlot& c = capture_[static_cast<std::size_t>(channel)];
     std::lock_guard<std::mutex> lock(c.mutex);
-    c.slot.assign(data, width, height);
+    c.slot.assign(r);
   }
 
-  void registerPlay(const std::string& streamID, uint8_t* data, uint32_t width, uint32_t height) {
+  void registerPlay(const std::string& streamID, const FrameBufferRegistration& r) {
     Entry& e = streams_.findOrCreate(streamID);
     std::lock_guard<std::mutex> lock(e.mutex);
     e.registered = true;
-    e.slot.assign(data, width, height);
+    e.slot.assign(r);
   }
 
-  void registerMediaPlayer(int32_t index, uint8_t* data, uint32_t width, uint32_t height) {
+  void registerMediaPlayer(int32_t index, const FrameBufferRegistration& r) {
     Entry& e = mediaPlayers_.findOrCreate(index);
     std::lock_guard<std::mutex> lock(e.mutex);
     e.registered = true;
-    e.slot.assign(data, width, height);
+    e.slot.assign(r);
   }
 
   // stopPlayingStream: under the map lock, then the stream's own lock, forgets the buffer,
@@ -174,13 +200,13 @@ class FrameBufferStore {
 
   // Engine teardown: forgets every buffer (entries and their mutexes stay). Waits for a
   // copy in progress, so script may release its buffers once this returns.
-  void clear() {
-    for (CaptureSlot& c : capture_) {
-      std::lock_guard<std::mutex> lock(c.mutex);
-      c.slot.clear();
-    }
-    streams_.unregisterAll();
-    mediaPlayers_.unregisterAll();
+  void clear() { clearWhere([](const FrameBufferSlot&) { return true; }); }
+
+  // An environment going away: forgets the buffers it registered (waiting for a copy in
+  // progress), so it may drop its references once this returns. Slots of others stay.
+  void clearOwner(const void* owner) {
+    if (owner == nullptr) return;
+    clearWhere([owner](const FrameBufferSlot& slot) { return slot.owner() == owner; });
   }
 
   // ---- frames (engine threads)
@@ -235,10 +261,12 @@ class FrameBufferStore {
       e.slot.clear();
     }
 
-    void unregisterAll() {
+    template <class Pred>
+    void unregisterWhere(Pred pred) {
       std::lock_guard<std::mutex> mapLock(mutex_);
       for (auto& [key, entry] : entries_) {
         std::lock_guard<std::mutex> entryLock(entry->mutex);
+        if (!entry->registered || !pred(entry->slot)) continue;
         entry->registered = false;
         entry->slot.clear();
       }
@@ -262,6 +290,16 @@ class FrameBufferStore {
     std::mutex mutex_;
     std::map<Key, std::unique_ptr<Entry>> entries_;
   };
+
+  template <class Pred>
+  void clearWhere(Pred pred) {
+    for (CaptureSlot& c : capture_) {
+      std::lock_guard<std::mutex> lock(c.mutex);
+      if (pred(c.slot)) c.slot.clear();
+    }
+    streams_.unregisterWhere(pred);
+    mediaPlayers_.unregisterWhere(pred);
+  }
 
   static bool isCaptureChannel(int32_t channel) {
     return channel >= 0 && channel < kCaptureChannels;

@@ -54,19 +54,19 @@ const std::shared_ptr<OrvaVantixAddonCustomVideoRenderer>& OrvaVantixAddonCustom
   return *renderer;
 }
 
-void OrvaVantixAddonCustomVideoRenderer::registerCaptureBuffer(int32_t channel, uint8_t* data,
-                                                               uint32_t width, uint32_t height) {
-  store_.registerCapture(channel, data, width, height);
+void OrvaVantixAddonCustomVideoRenderer::registerCaptureBuffer(int32_t channel,
+    const FrameBufferRegistration& registration) {
+  store_.registerCapture(channel, registration);
 }
 
-void OrvaVantixAddonCustomVideoRenderer::registerPlayBuffer(const std::string& streamID, uint8_t* data,
-                                                            uint32_t width, uint32_t height) {
-  store_.registerPlay(streamID, data, width, height);
+void OrvaVantixAddonCustomVideoRenderer::registerPlayBuffer(const std::string& streamID,
+    const FrameBufferRegistration& registration) {
+  store_.registerPlay(streamID, registration);
 }
 
-void OrvaVantixAddonCustomVideoRenderer::registerMediaPlayerBuffer(int32_t index, uint8_t* data,
-                                                                   uint32_t width, uint32_t height) {
-  store_.registerMediaPlayer(index, data, width, height);
+void OrvaVantixAddonCustomVideoRenderer::registerMediaPlayerBuffer(int32_t index,
+    const FrameBufferRegistration& registration) {
+  store_.registerMediaPlayer(index, registration);
 }
 
 void OrvaVantixAddonCustomVideoRenderer::removePlayBuffer(const std::string& streamID) {
@@ -78,6 +78,8 @@ LockedFrameSlot OrvaVantixAddonCustomVideoRenderer::lockMediaPlayerBuffer(int32_
 }
 
 void OrvaVantixAddonCustomVideoRenderer::reset() { store_.clear(); }
+
+void OrvaVantixAddonCustomVideoRenderer::forgetOwner(const void* owner) { store_.clearOwner(owner); }
 
 FrameSource OrvaVantixAddonCustomVideoRenderer::frameSource(const uint8_t* const* data,
                                                             const uint32_t* dataLength,

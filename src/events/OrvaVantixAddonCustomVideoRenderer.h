@@ -14,10 +14,10 @@
 //
 // Used by the engine wrapper (script thread):
 //   auto renderer = OrvaVantixAddonCustomVideoRenderer::instance();
-//   renderer->registerCaptureBuffer(channel, buffer.Data(), width, height);  // initVideoCaptureBuffer
-//   renderer->registerPlayBuffer(streamID, buffer.Data(), width, height);    // initVideoPlayBuffer
-//   renderer->registerMediaPlayerBuffer(index, buffer.Data(), width, height);// initMediaPlayerBuffer
-//   renderer->removePlayBuffer(streamID);                                    // stopPlayingStream
+//   renderer->registerCaptureBuffer(channel, registration);   // initVideoCaptureBuffer
+//   renderer->registerPlayBuffer(streamID, registration);     // initVideoPlayBuffer
+//   renderer->registerMediaPlayerBuffer(index, registration); // initMediaPlayerBuffer
+//   renderer->removePlayBuffer(streamID);                     // stopPlayingStream
 // and by the media player's frame path (engine thread):
 //   if (LockedFrameSlot slot = renderer->lockMediaPlayerBuffer(index)) {
 //     slot->render(OrvaVantixAddonCustomVideoRenderer::frameSource(data, dataLength, param));
@@ -26,7 +26,8 @@
 // Threads and lifetimes: one process-wide renderer, made on first use and never destroyed
 // (engine threads may still deliver a frame while the process exits). CreateEngine installs
 // it as the engine's frame handler; engine teardown uninstalls it and then calls reset(),
-// which forgets every registered buffer (see FrameBufferStore.h for the slots' locking).
+// which forgets every registered buffer; an environment that goes away forgets its own with
+// forgetOwner (see FrameBufferStore.h for the slots' locking and the buffers' lifetime).
 #pragma once
 
 #include <cstdint>
@@ -42,15 +43,15 @@ class OrvaVantixAddonCustomVideoRenderer final : public sdk::IVideoFrameHandler 
  public:
   static const std::shared_ptr<OrvaVantixAddonCustomVideoRenderer>& instance();
 
-  // ---- registration (script thread). The renderer keeps only `data`, the address of the
-  // script buffer's bytes, and size = width * height * 4 from the given numbers; script
-  // keeps the buffer alive while it is registered.
+  // ---- registration (script thread). The renderer keeps the address of the script
+  // buffer's bytes and size = width * height * 4, cut to the buffer's real length; the
+  // registering environment (the registration's owner) holds the buffer alive.
   // Capture slot of `channel` (0 to 3; other channels have none and are ignored).
-  void registerCaptureBuffer(int32_t channel, uint8_t* data, uint32_t width, uint32_t height);
+  void registerCaptureBuffer(int32_t channel, const FrameBufferRegistration& registration);
   // Slot of the played stream `streamID` (made if absent).
-  void registerPlayBuffer(const std::string& streamID, uint8_t* data, uint32_t width, uint32_t height);
+  void registerPlayBuffer(const std::string& streamID, const FrameBufferRegistration& registration);
   // Slot of media player `index` (made if absent).
-  void registerMediaPlayerBuffer(int32_t index, uint8_t* data, uint32_t width, uint32_t height);
+  void registerMediaPlayerBuffer(int32_t index, const FrameBufferRegistration& registration);
   // stopPlayingStream: under the renderer lock, then the stream's lock, forgets the stream's
   // buffer. Returns once no frame can write into it any more.
   void removePlayBuffer(const std::string& streamID);
@@ -61,6 +62,8 @@ class OrvaVantixAddonCustomVideoRenderer final : public sdk::IVideoFrameHandler 
 
   // Engine teardown: forgets every registered buffer, waiting for a copy in progress.
   void reset();
+  // An environment going away: forgets the buffers registered with this owner tag.
+  void forgetOwner(const void* owner);
 
   // The first plane and parameters of an engine frame, as the slots read them.
   static FrameSource frameSource(const uint8_t* const* data, const uint32_t* dataLength,

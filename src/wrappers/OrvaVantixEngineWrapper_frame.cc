@@ -1,8 +1,16 @@
-// Frame buffers that script registers for rendering: the engine wrapper only passes the
-// script Buffer's address and the stated size over to the video frame renderer, which copies
-// frames into it on engine threads. Like every method, these do nothing while no engine
-// exists: engine teardown forgets all buffers, and a registration made in between would
-// otherwise outlive it and receive the next engine's frames after script let it go.
+// Frame buffers that script registers for rendering: the engine wrapper hands the script
+// Buffer's address, its real length and the stated sides over to the video frame renderer,
+// which copies frames into it on engine threads. Like every method, these do nothing while no
+// engine exists: engine teardown forgets all buffers, and a registration made in between would
+// otherwise outlive it and receive the next engine's frames.
+//
+// Lifetime: the registering environment holds each buffer by a reference (its addon object's
+// frameBuffers) from registration until the slot is replaced, removed (stopPlayingStream) or
+// torn down, so a buffer script dropped is never written after the collector freed it. The
+// slot is always switched to the new buffer before the old one's reference goes.
+#include <string>
+
+#include "addon/OrvaVantixAddon.h"
 #include "events/OrvaVantixAddonCustomVideoRenderer.h"
 #include "wrappers/OrvaVantixEngineWrapper.h"
 #include "wrappers/OrvaVantixEngineWrapper_shape.h"
@@ -13,22 +21,58 @@ using namespace wrapper;  // NOLINT: the shape's helpers are this class's vocabu
 
 namespace {
 
-// What every registration passes: the script Buffer's own bytes, which script keeps alive
-// while registered, and the stated sides; the renderer trusts width * height * 4 of these.
-struct BufferRegistration {
-  uint8_t* data;
-  uint32_t width;
-  uint32_t height;
-
-  explicit BufferRegistration(const ArgObject& a)
-      : data(a.get("render_buffer").As<Napi::Buffer<uint8_t>>().Data()),
-        width(truncatedUint32(a, "width")),
-        height(truncatedUint32(a, "height")) {}
-};
-
 OrvaVantixAddonCustomVideoRenderer& renderer() { return *OrvaVantixAddonCustomVideoRenderer::instance(); }
 
+OrvaVantixAddon& addonOf(const MethodCall& call) {
+  return *call.env().GetInstanceData<OrvaVantixAddon>();
+}
+
+// The checked "render_buffer" with the stated "width" and "height".
+struct BufferRegistration {
+  Napi::Value buffer;
+  FrameBufferRegistration slot;
+
+  explicit BufferRegistration(const MethodCall& call) {
+    const ArgObject& a = call.args();
+    auto bytes = a.get("render_buffer").As<Napi::Buffer<uint8_t>>();
+    buffer = bytes;
+    slot.data = bytes.Data();
+    slot.length = bytes.Length();
+    slot.width = truncatedUint32(a, "width");
+    slot.height = truncatedUint32(a, "height");
+    slot.owner = addonOf(call).ownerTag();
+  }
+};
+
+// Registers the buffer through `assign` (a renderer registration), then holds it under `key`
+// in place of the one held there before. A buffer shorter than its stated sides is reported
+// and registered as only as long as it is: the first frame of the stated size then finds the
+// slot too small, announces the size it needs and copies nothing.
+template <class Assign>
+Napi::Value registerFrameBuffer(MethodCall& call, const std::string& key, Assign assign) {
+  const BufferRegistration r(call);
+  return withEngine(call, [&](sdk::Engine&) {
+    if (r.slot.length < r.slot.statedBytes()) {
+      call.fail("render_buffer holds " + std::to_string(r.slot.length) +
+                " bytes, fewer than width * height * 4 = " + std::to_string(r.slot.statedBytes()) +
+                "; frames are not copied into it");
+    }
+    assign(r.slot);
+    if (!key.empty()) addonOf(call).frameBuffers().hold(key, r.buffer);
+  });
+}
+
 }  // namespace
+
+namespace wrapper {
+
+std::string playBufferKey(const std::string& streamID) { return "play/" + streamID; }
+
+void releaseFrameBuffer(const MethodCall& call, const std::string& key) {
+  addonOf(call).frameBuffers().release(key);
+}
+
+}  // namespace wrapper
 
 Napi::Value OrvaVantixEngineWrapper::initVideoCaptureBuffer(const Napi::CallbackInfo& info) {
   MethodCall call(info, "initVideoCaptureBuffer", errors_);
@@ -36,11 +80,13 @@ Napi::Value OrvaVantixEngineWrapper::initVideoCaptureBuffer(const Napi::Callback
                    {"channel", T::Number}})) {
     return call.undefined();
   }
-  const BufferRegistration r(call.args());
   const int32_t channel = call.args().truncatedInt32("channel");
-  return withEngine(call, [&](sdk::Engine&) {
-    renderer().registerCaptureBuffer(channel, r.data, r.width, r.height);
-  });
+  // Channels without a capture slot ignore the registration, so there is nothing to hold.
+  const bool hasSlot = channel >= 0 && channel < FrameBufferStore::kCaptureChannels;
+  return registerFrameBuffer(call, hasSlot ? "capture/" + std::to_string(channel) : "",
+                             [&](const FrameBufferRegistration& r) {
+                               renderer().registerCaptureBuffer(channel, r);
+                             });
 }
 
 Napi::Value OrvaVantixEngineWrapper::initVideoPlayBuffer(const Napi::CallbackInfo& info) {
@@ -49,10 +95,9 @@ Napi::Value OrvaVantixEngineWrapper::initVideoPlayBuffer(const Napi::CallbackInf
                    {"streamID", T::String}})) {
     return call.undefined();
   }
-  const BufferRegistration r(call.args());
   const std::string streamID = call.args().string("streamID");
-  return withEngine(call, [&](sdk::Engine&) {
-    renderer().registerPlayBuffer(streamID, r.data, r.width, r.height);
+  return registerFrameBuffer(call, playBufferKey(streamID), [&](const FrameBufferRegistration& r) {
+    renderer().registerPlayBuffer(streamID, r);
   });
 }
 
@@ -62,11 +107,11 @@ Napi::Value OrvaVantixEngineWrapper::initMediaPlayerBuffer(const Napi::CallbackI
                    {"index", T::Number}})) {
     return call.undefined();
   }
-  const BufferRegistration r(call.args());
   const int32_t index = call.args().truncatedInt32("index");
-  return withEngine(call, [&](sdk::Engine&) {
-    renderer().registerMediaPlayerBuffer(index, r.data, r.width, r.height);
-  });
+  return registerFrameBuffer(call, "mediaPlayer/" + std::to_string(index),
+                             [&](const FrameBufferRegistration& r) {
+                               renderer().registerMediaPlayerBuffer(index, r);
+                             });
 }
 
 }  // namespace orva

@@ -52,6 +52,7 @@ Napi::Value OrvaVantixEngineWrapper::stopPlayingStream(const Napi::CallbackInfo&
   // stream's own, so no frame still in flight writes into memory script may now release.
   // Script registers a buffer again before frames of this stream reach it.
   OrvaVantixAddonCustomVideoRenderer::instance()->removePlayBuffer(streamID);
+  releaseFrameBuffer(call, playBufferKey(streamID));
   return call.undefined();
 }
 

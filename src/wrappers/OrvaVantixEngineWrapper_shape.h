@@ -144,6 +144,14 @@ class OptionalKeys {
   bool ok_ = true;
 };
 
+// ---- frame buffers registered for rendering (OrvaVantixEngineWrapper_frame.cc)
+
+// The key under which the environment holds the buffer registered for a played stream.
+std::string playBufferKey(const std::string& streamID);
+// Lets go of the buffer held under `key` in the calling environment; the renderer must no
+// longer write into it.
+void releaseFrameBuffer(const MethodCall& call, const std::string& key);
+
 // ---- promise-returning methods ----------------------------------------------------------
 
 // { errorCode }: the result of most asynchronous calls.

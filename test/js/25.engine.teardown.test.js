@@ -65,3 +65,32 @@ test('nothing reaches script after DestroyEngine', async () => {
   await sleep(100);
   assert.strictEqual(session.events.length, seen);
 });
+
+// Events still queued for a worker that is being terminated cannot reach its script; they
+// must be dropped without an exception escaping into the host (which aborts the process).
+test('terminating a worker while engine events flow leaves the process intact', () => {
+  const r = runNode(`
+    const { Worker } = require('worker_threads');
+    const sim = require(${JSON.stringify(simModule)});
+    async function round() {
+      sim.reset();
+      const w = new Worker(\`
+        const addon = require(${JSON.stringify(addonModule)});
+        addon.CreateEngine({ profile: { appID: 1, scenario: 0 }, tsfn: () => {}, SDKVersion: 'w', electronVersion: 'w' });
+        require('worker_threads').parentPort.postMessage('created');
+      \`, { eval: true });
+      await new Promise((resolve) => w.once('message', resolve));
+      const burst = sim.burst('room_state_update', { roomID: 'r', state: 1 }, { count: 200000, threads: 2 });
+      await new Promise((resolve) => setTimeout(resolve, 30));
+      await w.terminate();
+      await burst;
+    }
+    (async () => {
+      for (let i = 0; i < 3; i++) await round();
+      console.log('survived');
+    })();
+  `, { timeout: 120000 });
+  assert.strictEqual(r.signal, null, r.stderr.slice(-2000));
+  assert.strictEqual(r.status, 0, r.stderr.slice(-2000));
+  assert.match(r.stdout, /^survived$/m);
+});

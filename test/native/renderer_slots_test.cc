@@ -32,6 +32,12 @@ struct TestFrame {
 
 uint32_t bytesOf(uint32_t w, uint32_t h) { return w * h * 4; }
 
+// A registration of `buffer` (its real length) with the stated sides.
+FrameBufferRegistration reg(std::vector<uint8_t>& buffer, uint32_t w, uint32_t h,
+                            const void* owner = nullptr) {
+  return {buffer.data(), buffer.size(), w, h, owner};
+}
+
 // ---- the decision, as a sequence of steps on one capture slot and one stream slot ------
 
 struct Step {
@@ -67,8 +73,8 @@ TEST(RendererSlots, CaptureAndStreamFollowTheirSequences) {
       case Step::kRegister:
         captureBuffer.assign(bytesOf(step.width, step.height), 0);
         streamBuffer.assign(bytesOf(step.width, step.height), 0);
-        store.registerCapture(0, captureBuffer.data(), step.width, step.height);
-        store.registerPlay("s", streamBuffer.data(), step.width, step.height);
+        store.registerCapture(0, reg(captureBuffer, step.width, step.height));
+        store.registerPlay("s", reg(streamBuffer, step.width, step.height));
         break;
       case Step::kRemove:
         store.removePlay("s");
@@ -88,10 +94,48 @@ TEST(RendererSlots, RegistrationSizeComesFromTheNumbers) {
   // The buffer is larger than stated: the stated numbers decide, so a frame one row taller
   // than stated is a size change although it would fit the memory.
   std::vector<uint8_t> buffer(bytesOf(4, 8), 0);
-  store.registerPlay("s", buffer.data(), 4, 4);
+  store.registerPlay("s", reg(buffer, 4, 4));
   TestFrame fits(4, 4), taller(4, 5);
   EXPECT_EQ(store.renderRemote("s", fits.source), O::kCopied);
   EXPECT_EQ(store.renderRemote("s", taller.source), O::kResized);
+}
+
+// A buffer shorter than its stated sides counts only its real length: frames of the stated
+// size find the slot too small (size change, nothing written), frames that fit the real
+// length are copied. ASan shows a write past the 16 bytes.
+TEST(RendererSlots, ShortBufferCountsOnlyItsRealLength) {
+  FrameBufferStore store;
+  std::vector<uint8_t> tiny(16, 0);
+  store.registerCapture(0, reg(tiny, 1920, 1080));
+  store.registerPlay("s", reg(tiny, 1920, 1080));
+  TestFrame big(1920, 1080), fits(2, 2, 5, 0x77);
+  EXPECT_EQ(store.renderCaptured(0, big.source), O::kResized);
+  EXPECT_EQ(store.renderRemote("s", big.source), O::kResized);
+
+  store.registerCapture(0, reg(tiny, 1920, 1080));
+  EXPECT_EQ(store.renderCaptured(0, fits.source), O::kCopied);
+  EXPECT_EQ(tiny, std::vector<uint8_t>(16, 0x77));
+
+  // Sides whose product wraps in 32 bits do not make a small size either.
+  store.registerCapture(1, reg(tiny, 65536, 65536));
+  EXPECT_EQ(store.renderCaptured(1, big.source), O::kResized);
+}
+
+// An environment that goes away forgets its own buffers only.
+TEST(RendererSlots, ClearOwnerForgetsOnlyThatOwnersBuffers) {
+  FrameBufferStore store;
+  int mine = 0, theirs = 0;
+  std::vector<uint8_t> a(bytesOf(2, 2)), b(bytesOf(2, 2)), c(bytesOf(2, 2)), d(bytesOf(2, 2));
+  store.registerCapture(0, reg(a, 2, 2, &mine));
+  store.registerCapture(1, reg(b, 2, 2, &theirs));
+  store.registerPlay("mine", reg(c, 2, 2, &mine));
+  store.registerMediaPlayer(0, reg(d, 2, 2, &mine));
+  store.clearOwner(&mine);
+  TestFrame f(2, 2);
+  EXPECT_EQ(store.renderCaptured(0, f.source), O::kResized);
+  EXPECT_EQ(store.renderCaptured(1, f.source), O::kCopied);
+  EXPECT_EQ(store.renderRemote("mine", f.source), O::kNoSlot);
+  EXPECT_FALSE(store.lockMediaPlayer(0));
 }
 
 // A frame whose plane is shorter than its parameters say (or missing) is announced but not
@@ -99,7 +143,7 @@ TEST(RendererSlots, RegistrationSizeComesFromTheNumbers) {
 TEST(RendererSlots, ShortOrMissingPlaneIsNotRead) {
   FrameBufferStore store;
   std::vector<uint8_t> buffer(bytesOf(6, 4), 0xEE);
-  store.registerPlay("s", buffer.data(), 6, 4);
+  store.registerPlay("s", reg(buffer, 6, 4));
   for (int32_t format : {4, 5, 0}) {
     SCOPED_TRACE(format);
     TestFrame f(6, 4, format);
@@ -121,9 +165,9 @@ TEST(RendererSlots, ShortOrMissingPlaneIsNotRead) {
 TEST(RendererSlots, ClearForgetsEveryBuffer) {
   FrameBufferStore store;
   std::vector<uint8_t> a(bytesOf(2, 2)), b(bytesOf(2, 2)), c(bytesOf(2, 2));
-  store.registerCapture(3, a.data(), 2, 2);
-  store.registerPlay("s", b.data(), 2, 2);
-  store.registerMediaPlayer(5, c.data(), 2, 2);
+  store.registerCapture(3, reg(a, 2, 2));
+  store.registerPlay("s", reg(b, 2, 2));
+  store.registerMediaPlayer(5, reg(c, 2, 2));
   store.clear();
   TestFrame f(2, 2);
   EXPECT_EQ(store.renderCaptured(3, f.source), O::kResized);
@@ -135,7 +179,7 @@ TEST(RendererSlots, MediaPlayerLookupHoldsTheSlotLock) {
   FrameBufferStore store;
   EXPECT_FALSE(store.lockMediaPlayer(1)) << "nothing registered";
   std::vector<uint8_t> first(bytesOf(2, 2), 0), second(bytesOf(2, 2), 0);
-  store.registerMediaPlayer(1, first.data(), 2, 2);
+  store.registerMediaPlayer(1, reg(first, 2, 2));
 
   std::atomic<bool> reRegistered{false};
   std::thread script;
@@ -144,7 +188,7 @@ TEST(RendererSlots, MediaPlayerLookupHoldsTheSlotLock) {
     ASSERT_TRUE(slot);
     EXPECT_EQ(slot->data(), first.data());
     script = std::thread([&] {
-      store.registerMediaPlayer(1, second.data(), 2, 2);
+      store.registerMediaPlayer(1, reg(second, 2, 2));
       reRegistered = true;
     });
     std::this_thread::sleep_for(50ms);
@@ -186,9 +230,9 @@ TEST(RendererSlots, FramesRacingRegistrationsStayInsideTheirBuffers) {
     // These vectors were last registered a cycle ago, and the clear that ended that cycle
     // forgot them, so no slot points into them while they are reallocated.
     for (auto& b : bufs) b.assign(bytesOf(wh[0], wh[1]), 0);
-    store.registerCapture(static_cast<int32_t>(i % 4), bufs[0].data(), wh[0], wh[1]);
-    store.registerPlay(i % 2 ? "a" : "b", bufs[1].data(), wh[0], wh[1]);
-    store.registerMediaPlayer(0, bufs[2].data(), wh[0], wh[1]);
+    store.registerCapture(static_cast<int32_t>(i % 4), reg(bufs[0], wh[0], wh[1]));
+    store.registerPlay(i % 2 ? "a" : "b", reg(bufs[1], wh[0], wh[1]));
+    store.registerMediaPlayer(0, reg(bufs[2], wh[0], wh[1]));
     if (i % 7 == 0) store.removePlay("a");
     if (i % 4 == 3) store.clear();  // every buffer of this round may go now
   }
