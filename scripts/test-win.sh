@@ -4,7 +4,8 @@
 # prefix are prepared under build/wine/ on first use.
 #   - test/wine/smoke.js in node.exe, then again in a host renamed like Electron's;
 #   - test/wine/snapshot.js: a publish snapshot JPEG made by GDI+, decoded and checked;
-#   - test/js/00.build.test.js through Node's test runner in node.exe;
+#   - every script test (test/js/**/*.test.js) through Node's test runner in node.exe; a test
+#     that cannot run on Windows skips with its reason;
 #   - every Windows check executable (test/wine/*.cc), each closing with
 #     "N passed, M failed".
 # Every part runs; the exit code is non-zero if any failed.
@@ -28,10 +29,10 @@ echo "--- wine: publish snapshot through GDI+ in node.exe"
 scripts/wine/node.sh --expect '^snapshot: [1-9][0-9]* passed, 0 failed$' test/wine/snapshot.js ||
   failed+=("snapshot.js")
 
-# The package entry point test, through Node's test runner in node.exe.
-echo "--- wine: test/js/00.build.test.js in node.exe"
-ORVA_BUILD=mingw scripts/wine/node.sh --expect '^# fail 0$' scripts/run-js-tests.js test/js/00.build.test.js ||
-  failed+=("00.build.test.js")
+# The whole script suite, through Node's test runner in node.exe.
+echo "--- wine: every script test in node.exe"
+ORVA_BUILD=mingw scripts/wine/node.sh --expect '^# fail 0$' scripts/run-js-tests.js ||
+  failed+=("script tests")
 
 for source in test/wine/*.cc; do
   [[ -e $source ]] || continue

@@ -24,7 +24,7 @@ test('the package entry point', async (t) => {
     assert.ok(addon !== null);
   });
 
-  await t.test('does not load the engine library just by being required', { skip: process.platform !== 'linux' }, () => {
+  await t.test('does not load the engine library just by being required', { skip: process.platform !== 'linux' && 'reads /proc/self/maps' }, () => {
     require(root);
     assert.ok(fs.existsSync(paths.engineLibraryPath()), 'the engine library is built beside the addon');
     assert.strictEqual(engineMapped(), false);

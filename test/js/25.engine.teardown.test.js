@@ -9,12 +9,13 @@ const {
 
 test('a worker torn down without DestroyEngine takes its engine down exactly once', () => {
   const r = runNode(`
+    const addonPath = ${JSON.stringify(addonModule)};
     const { Worker } = require('worker_threads');
     const sim = require(${JSON.stringify(simModule)});
     const addon = require(${JSON.stringify(addonModule)});
     sim.reset();
     const w = new Worker(\`
-      const addon = require(${JSON.stringify(addonModule)});
+      const addon = require(\${JSON.stringify(addonPath)});
       addon.CreateEngine({ profile: { appID: 1, scenario: 0 }, tsfn: () => {}, SDKVersion: 'w', electronVersion: 'w' });
       require('worker_threads').parentPort.postMessage('created');
     \`, { eval: true });
@@ -39,11 +40,12 @@ test('a worker torn down without DestroyEngine takes its engine down exactly onc
 
 test('a worker that destroyed its engine leaves nothing for its cleanup hook', () => {
   const r = runNode(`
+    const addonPath = ${JSON.stringify(addonModule)};
     const { Worker } = require('worker_threads');
     const sim = require(${JSON.stringify(simModule)});
     sim.reset();
     const w = new Worker(\`
-      const addon = require(${JSON.stringify(addonModule)});
+      const addon = require(\${JSON.stringify(addonPath)});
       addon.CreateEngine({ profile: { appID: 1, scenario: 0 }, tsfn: () => {}, SDKVersion: 'w', electronVersion: 'w' });
       addon.DestroyEngine();
     \`, { eval: true });
@@ -70,12 +72,13 @@ test('nothing reaches script after DestroyEngine', async () => {
 // must be dropped without an exception escaping into the host (which aborts the process).
 test('terminating a worker while engine events flow leaves the process intact', () => {
   const r = runNode(`
+    const addonPath = ${JSON.stringify(addonModule)};
     const { Worker } = require('worker_threads');
     const sim = require(${JSON.stringify(simModule)});
     async function round() {
       sim.reset();
       const w = new Worker(\`
-        const addon = require(${JSON.stringify(addonModule)});
+        const addon = require(\${JSON.stringify(addonPath)});
         addon.CreateEngine({ profile: { appID: 1, scenario: 0 }, tsfn: () => {}, SDKVersion: 'w', electronVersion: 'w' });
         require('worker_threads').parentPort.postMessage('created');
       \`, { eval: true });
