@@ -29,7 +29,7 @@ constexpr uint32_t kDefaultLogCount = 3;
 
 }  // namespace
 
-OrvaVantixAddon::OrvaVantixAddon(Napi::Env env, Napi::Object exports) {
+OrvaVantixAddon::OrvaVantixAddon(Napi::Env env, Napi::Object exports) : env_(env) {
   logToConsole("OrvaVantixAddon construct!");
 
   // Each class definition returns its constructor; the persistent reference is all that

@@ -75,6 +75,7 @@ class OrvaVantixAddon : public Napi::Addon<OrvaVantixAddon> {
   void tearDownEngine();
   static void cleanUpEnvironment(void* record);
 
+  napi_env env_;  // the environment this addon object belongs to
   ArgumentErrors errors_;
   HeldScriptValues frameBuffers_;
   std::vector<std::shared_ptr<sdk::MediaPlayer>> mediaPlayers_;

@@ -1,11 +1,12 @@
 // Engine configuration, creation and destruction: SetEngineConfig, CreateEngine,
 // DestroyEngine, the shared teardown and the environment cleanup hook.
-#include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <unordered_set>
 #include <utility>
+#include <vector>
 
 #if defined(_WIN32)
 #include <objbase.h>
@@ -41,17 +42,20 @@ EngineLifecycle& lifecycle() {
   return state;
 }
 
-// Advanced configuration items in insertion order; a key keeps its first value.
+// Advanced configuration items in insertion order; a key keeps its first value. The key set
+// keeps a script's large configuration object linear to read.
 class AdvancedConfig {
  public:
   void insert(std::string key, std::string value) {
-    const bool known = std::any_of(items_.begin(), items_.end(),
-                                   [&](const auto& item) { return item.first == key; });
-    if (!known) items_.emplace_back(std::move(key), std::move(value));
+    if (keys_.insert(key).second) items_.emplace_back(std::move(key), std::move(value));
   }
-  std::vector<std::pair<std::string, std::string>> take() { return std::move(items_); }
+  std::vector<std::pair<std::string, std::string>> take() {
+    keys_.clear();
+    return std::move(items_);
+  }
 
  private:
+  std::unordered_set<std::string> keys_;
   std::vector<std::pair<std::string, std::string>> items_;
 };
 
@@ -218,6 +222,7 @@ void OrvaVantixAddon::tearDownEngine() {
   resetEngineHandlerState();
   frameBuffers_.releaseAll();  // the renderer no longer writes into any of them
   center.releaseNamedEventFunction("tsfn");
+  center.unrefNamedEventFunctions(env_);
   lifecycle().versionLogged.store(false);
   lifecycle().owner.store(nullptr);
 }

@@ -7,6 +7,27 @@
 namespace orva {
 namespace {
 
+std::size_t typedArrayElementSize(napi_typedarray_type type) {
+  switch (type) {
+    case napi_int8_array:
+    case napi_uint8_array:
+    case napi_uint8_clamped_array:
+      return 1;
+    case napi_int16_array:
+    case napi_uint16_array:
+      return 2;
+    case napi_int32_array:
+    case napi_uint32_array:
+    case napi_float32_array:
+      return 4;
+    default:  // float64, bigint64, biguint64
+      return 8;
+  }
+}
+
+}  // namespace
+namespace {
+
 static_assert(static_cast<int>(JsKind::Undefined) == napi_undefined &&
                   static_cast<int>(JsKind::Null) == napi_null &&
                   static_cast<int>(JsKind::Boolean) == napi_boolean &&
@@ -94,6 +115,24 @@ bool ArgObject::is(const char* key, ArgType type) const {
 }
 
 Napi::Value ArgObject::get(const char* key) const { return Napi::Object(env_, value_).Get(key); }
+
+ArgObject::Bytes ArgObject::bytes(const char* key) const {
+  napi_value value = get(key);
+  void* data = nullptr;
+  Bytes out;
+  bool isDataView = false;
+  NAPI_THROW_IF_FAILED(env_, napi_is_dataview(env_, value, &isDataView), out);
+  if (isDataView) {
+    NAPI_THROW_IF_FAILED(env_, napi_get_dataview_info(env_, value, &out.length, &data, nullptr, nullptr), out);
+  } else {
+    napi_typedarray_type type;
+    std::size_t elements = 0;
+    NAPI_THROW_IF_FAILED(env_, napi_get_typedarray_info(env_, value, &type, &elements, &data, nullptr, nullptr), out);
+    out.length = elements * typedArrayElementSize(type);
+  }
+  out.data = static_cast<uint8_t*>(data);  // already moved to the view's first byte
+  return out;
+}
 
 std::string ArgObject::string(const char* key) const {
   return get(key).As<Napi::String>().Utf8Value();

@@ -102,6 +102,14 @@ class ArgObject {
   bool boolean(const char* key) const;
   ArgObject object(const char* key) const;
 
+  // The bytes under `key`, which passed the "Buffer" check: a Buffer, any typed array or a
+  // DataView (all of them pass it). `length` is the view's real byte length.
+  struct Bytes {
+    uint8_t* data = nullptr;
+    std::size_t length = 0;
+  };
+  Bytes bytes(const char* key) const;
+
   // The array under `key`, element i read by read(Napi::Value) for i from 0.
   template <typename Read>
   auto list(const char* key, Read read) const {

@@ -74,7 +74,7 @@ void OrvaVantixAddonDataCenter::forgetEventFunction(const EventFunctionRecord& r
   } else {
     std::lock_guard<std::mutex> lock(namedMutex_);
     auto it = namedEventFunctions_.find(record.name);
-    if (it != namedEventFunctions_.end() && it->second == record.self) {
+    if (it != namedEventFunctions_.end() && it->second.function == record.self) {
       namedEventFunctions_.erase(it);
     }
   }
@@ -122,14 +122,28 @@ void OrvaVantixAddonDataCenter::createNamedEventFunction(Napi::Env env, const st
   auto record = std::make_unique<EventFunctionRecord>();
   record->name = name;
   std::lock_guard<std::mutex> lock(namedMutex_);
-  namedEventFunctions_[name] = createEventFunction(env, callback, std::move(record));
+  napi_threadsafe_function function = createEventFunction(env, callback, std::move(record));
+  auto it = namedEventFunctions_.find(name);
+  if (it != namedEventFunctions_.end()) {
+    if (it->second.env == env) napi_unref_threadsafe_function(env, it->second.function);
+    it->second = {function, env};
+  } else {
+    namedEventFunctions_.emplace(name, NamedFunction{function, env});
+  }
+}
+
+void OrvaVantixAddonDataCenter::unrefNamedEventFunctions(napi_env env) {
+  std::lock_guard<std::mutex> lock(namedMutex_);
+  for (auto& [name, named] : namedEventFunctions_) {
+    if (named.env == env) napi_unref_threadsafe_function(env, named.function);
+  }
 }
 
 void OrvaVantixAddonDataCenter::releaseNamedEventFunction(const std::string& name) {
   std::lock_guard<std::mutex> lock(namedMutex_);
   auto it = namedEventFunctions_.find(name);
   if (it != namedEventFunctions_.end()) {
-    napi_release_threadsafe_function(it->second, napi_tsfn_release);
+    napi_release_threadsafe_function(it->second.function, napi_tsfn_release);
     namedEventFunctions_.erase(it);
   }
 }
@@ -185,7 +199,7 @@ void OrvaVantixAddonDataCenter::deliverByName(const std::string& name,
   if (namedEventFunctions_.empty()) return;
   auto it = namedEventFunctions_.find(name);
   if (it == namedEventFunctions_.end()) return;
-  callFunction(it->second, std::move(task), failureLine);
+  callFunction(it->second.function, std::move(task), failureLine);
 }
 
 // ---- guard and alerts -----------------------------------------------------------------

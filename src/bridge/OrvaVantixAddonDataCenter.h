@@ -69,10 +69,16 @@ class OrvaVantixAddonDataCenter {
   // The entry itself goes when the function is finalised.
   void releaseEngineEventFunction(EngineHandle engine);
   // registerEventHandler: creates a function for `callback` and stores it under `name`,
-  // overwriting an earlier one of that name without releasing it.
+  // overwriting an earlier one of that name without releasing it. The overwritten function
+  // can never be called again, so it stops holding its event loop open (unref; same
+  // environment only, as Node-API requires).
   void createNamedEventFunction(Napi::Env env, const std::string& name, Napi::Function callback);
   // Releases and erases the named function, if there is one ("tsfn" at engine teardown).
   void releaseNamedEventFunction(const std::string& name);
+  // Engine teardown: the named functions `env` registered stay registered, unreleased, but no
+  // longer keep its event loop alive: with no engine nothing sends to them, and a process
+  // whose script is done must be able to exit.
+  void unrefNamedEventFunctions(napi_env env);
 
   // ---- delivery (any thread)
   // To the current engine's event function. `failureLine` (a literal, or null) is written
@@ -115,9 +121,14 @@ class OrvaVantixAddonDataCenter {
   std::unordered_map<EngineHandle, napi_threadsafe_function> engineEventFunctions_;
   EngineHandle currentEngine_ = 0;
 
-  // Name -> function registered by registerEventHandler; same locking rule.
+  // Name -> function registered by registerEventHandler, with the environment that made it
+  // (only that environment's thread may ref or unref it); same locking rule.
+  struct NamedFunction {
+    napi_threadsafe_function function;
+    napi_env env;
+  };
   std::mutex namedMutex_;
-  std::map<std::string, napi_threadsafe_function> namedEventFunctions_;
+  std::map<std::string, NamedFunction> namedEventFunctions_;
 
   DispatchWorker worker_;
 };

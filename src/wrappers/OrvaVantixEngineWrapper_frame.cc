@@ -34,10 +34,10 @@ struct BufferRegistration {
 
   explicit BufferRegistration(const MethodCall& call) {
     const ArgObject& a = call.args();
-    auto bytes = a.get("render_buffer").As<Napi::Buffer<uint8_t>>();
-    buffer = bytes;
-    slot.data = bytes.Data();
-    slot.length = bytes.Length();
+    buffer = a.get("render_buffer");
+    const ArgObject::Bytes bytes = a.bytes("render_buffer");
+    slot.data = bytes.data;
+    slot.length = bytes.length;
     slot.width = truncatedUint32(a, "width");
     slot.height = truncatedUint32(a, "height");
     slot.owner = addonOf(call).ownerTag();

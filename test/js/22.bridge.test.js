@@ -130,3 +130,20 @@ test('events for a name nobody registered are dropped silently; "tsfn" goes at t
   const lines = r.stdout.split('\n');
   assert.ok(lines.indexOf('tsfn finalizer ') > lines.indexOf('destroyed'), r.stdout);
 });
+
+// A named function that nothing can call any more (overwritten, or its engine torn down)
+// stays registered and unreleased, but must not keep the process from exiting.
+test('functions of registerEventHandler do not keep a finished process alive', () => {
+  for (const names of [['x'], ['tsfn', 'tsfn'], ['a', 'a', 'b']]) {
+    const r = runNode(`
+      const addon = require(${JSON.stringify(addonModule)});
+      const e = addon.CreateEngine({ profile: { appID: 1, scenario: 0 }, tsfn: () => {}, SDKVersion: 't', electronVersion: 't' });
+      for (const name of ${JSON.stringify(names)}) e.registerEventHandler({ name, func: () => {} });
+      addon.DestroyEngine();
+      console.log('script done');
+    `, { timeout: 20000 });
+    assert.strictEqual(r.signal, null, `${names}: still running after its script ended`);
+    assert.strictEqual(r.status, 0, r.stderr);
+    assert.match(r.stdout, /^script done$/m);
+  }
+});

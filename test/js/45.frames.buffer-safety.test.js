@@ -82,6 +82,20 @@ describe('registered frame buffers', () => {
     session = createEngine(addon);  // for afterEach
   });
 
+  it('any view passing the Buffer check renders into its own bytes, offset and length', async () => {
+    const backing = new ArrayBuffer(8 + 2 * 2 * 4 + 8);
+    const views = [new DataView(backing, 8, 16), new Float64Array(backing, 8, 2), new Uint32Array(backing, 8, 4)];
+    for (const view of views) {
+      new Uint8Array(backing).fill(0xee);
+      session.engine.initVideoCaptureBuffer({ render_buffer: view, width: 2, height: 2, channel: 2 });
+      await deliverFrames({ channel: 2 }, 1, 2, 2);
+      const bytes = new Uint8Array(backing);
+      assert.ok(bytes.subarray(8, 24).some((b) => b !== 0xee), `${view.constructor.name}: frame copied`);
+      assert.deepStrictEqual([...bytes.subarray(0, 8), ...bytes.subarray(24)], new Array(16).fill(0xee),
+        `${view.constructor.name}: nothing written outside the view`);
+    }
+  });
+
   it('a channel without a capture slot holds nothing', async () => {
     registerDropped('initVideoCaptureBuffer', { channel: 7 }, 'no slot', 2, 2);
     await collect();
