@@ -30,6 +30,14 @@ function classify(error, { touchedRevoked = false, foreignReceiver = false } = {
   return null;
 }
 
+// What may reach 'uncaughtException': errors thrown by our own event callbacks, which the
+// addon calls from its event path. A callback that is a class is refused by V8 itself.
+function classifyUncaught(error) {
+  if (isMarker(error)) return 'marker';
+  if (error instanceof TypeError && error.message === "Class constructors cannot be invoked without 'new'") return 'callee';
+  return null;
+}
+
 // A one-line description of anything thrown.
 function describeError(error) {
   if (error instanceof Error) return `${error.constructor.name}: ${error.message}`;
@@ -40,4 +48,4 @@ function describeError(error) {
   }
 }
 
-module.exports = { DOCUMENTED, classify, describeError };
+module.exports = { DOCUMENTED, classify, classifyUncaught, describeError };
