@@ -48,6 +48,12 @@ const keyText = (k) => (typeof k === 'symbol' ? `[${show(k)}]` : IDENT.test(k) ?
 function showString(s) {
   if (bigStrings.has(s)) return bigStrings.get(s);
   if (s.length <= 80) return JSON.stringify(s);
+  // Long strings are made by repeating a short unit: print them so.
+  for (let unit = 1; unit <= 8; unit++) {
+    if (s.length % unit === 0 && s === s.slice(0, unit).repeat(s.length / unit)) {
+      return `${JSON.stringify(s.slice(0, unit))}.repeat(${s.length / unit})`;
+    }
+  }
   return `${JSON.stringify(s.slice(0, 40))} /* …${s.length} chars */`;
 }
 
