@@ -108,12 +108,13 @@ function crashHeadline(stderr) {
   return '';
 }
 
-// Runs one chunk; resolves with { seed, calls, findings, done, stats }.
+// Runs one chunk (options.child: the script to run instead of child.js); resolves with
+// { seed, calls, findings, done, counts, coverage, methods, stdoutLines, failedCalls }.
 function runChunk(seed, calls, options) {
   const dir = fs.mkdtempSync(path.join(os.tmpdir(), 'orva-fuzz-'));
   const progressFile = path.join(dir, 'progress');
   const outFile = path.join(dir, 'out.jsonl');
-  const args = [...NODE_FLAGS, CHILD, '--seed', String(seed), '--calls', String(calls),
+  const args = [...NODE_FLAGS, options.child || CHILD, '--seed', String(seed), '--calls', String(calls),
     '--progress', progressFile, '--out', outFile];
   if (options.trace) args.push('--trace');
   const child = spawn(process.execPath, args, { cwd: paths.root, stdio: ['ignore', 'pipe', 'pipe'] });
@@ -277,7 +278,11 @@ async function main() {
   process.exitCode = groups.size ? 1 : 0;
 }
 
-main().catch((e) => {
-  console.error(e.message);
-  process.exit(2);
-});
+if (require.main === module) {
+  main().catch((e) => {
+    console.error(e.message);
+    process.exit(2);
+  });
+}
+
+module.exports = { parseOptions, replayCommand, crashHeadline, runChunk, Tail };
