@@ -6,6 +6,7 @@
 //   node test/fuzz/run.js --one SEED [--calls N] [--trace]     replays one chunk
 //   scripts/run-sanitized.sh asan node test/fuzz/run.js --calls 50000
 //
+// Defaults: 200,000 calls, a seed from the clock (printed), one job per core up to 8.
 // The run is cut into chunks of C calls (default 5000); chunk i runs in a child process of
 // its own with a seed derived from S and i, J children at a time. A child that dies by a
 // signal or aborts, stops making progress (watchdog), lets an undocumented exception out
@@ -31,7 +32,7 @@ const NODE_FLAGS = ['--expose-gc', '--force-node-api-uncaught-exceptions-policy=
 
 function parseOptions(argv) {
   const o = {
-    calls: null, seed: null, jobs: Math.min(2, os.availableParallelism ? os.availableParallelism() : os.cpus().length),
+    calls: null, seed: null, jobs: Math.min(8, os.availableParallelism ? os.availableParallelism() : os.cpus().length),
     chunk: 5000, one: null, trace: false, verbose: false, hangMs: null,
   };
   const number = (i) => {
@@ -161,10 +162,12 @@ function runChunk(seed, calls, options) {
       const findings = records.filter((r) => r.type === 'finding');
       const internal = records.find((r) => r.type === 'internal');
       const last = progress ? progress.text : '(no step recorded)';
+      // The method, without the instance's number, tells crashes and hangs apart.
+      const where = last.replace(/\(.*$/s, '').replace(/ #\d+>/g, '>');
       const callIndex = progress ? progress.call : 0;
       if (hung) {
         findings.push({
-          kind: 'hang', signature: `hang|${last.replace(/\(.*$/s, '')}`, seed, call: callIndex, last,
+          kind: 'hang', signature: `hang|${where}`, seed, call: callIndex, last,
           error: `no progress for ${options.hangMs} ms`, stderr: stderr.text(),
         });
       } else if (internal) {
@@ -173,7 +176,7 @@ function runChunk(seed, calls, options) {
         const headline = crashHeadline(stderr.text());
         const how = signal ? `killed by ${signal}` : `exit code ${code}${done ? '' : ' before the end of the chunk'}`;
         findings.push({
-          kind: 'crash', signature: `crash|${how}|${headline}|${last.replace(/\(.*$/s, '')}`, seed, call: callIndex, last,
+          kind: 'crash', signature: `crash|${how}|${headline}|${where}`, seed, call: callIndex, last,
           error: `${how}${headline ? `: ${headline}` : ''}`, stderr: stderr.text(),
         });
       }
@@ -270,8 +273,10 @@ async function main() {
     if (g.methods.size > 1) console.log(`  in ${[...g.methods].sort().join(', ')}`);
     console.log(`  ${g.occurrences} time(s) in ${g.chunks} chunk(s); first in chunk ${f.seed}, call ${f.call}:`);
     console.log(indent(f.last || '', '    '));
+    if (f.workerSeed !== undefined) console.log(`  (in the worker that step started: worker seed ${f.workerSeed}, its call ${f.workerCall})`);
     if (f.error) console.log(`  error: ${f.error}`);
-    if (f.stderr) console.log(`  child's stderr:\n${indent(f.stderr.trim().split('\n').slice(0, 60).join('\n'), '    | ')}`);
+    // With --trace the child's stderr is the trace, already on the terminal.
+    if (f.stderr && !options.trace) console.log(`  child's stderr:\n${indent(f.stderr.trim().split('\n').slice(0, 60).join('\n'), '    | ')}`);
     console.log(`  replay: ${replayCommand(f.seed, f.call + 1)}`);
   }
   console.log(`fuzz: ${calls - failed} passed, ${failed} failed`);

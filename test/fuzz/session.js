@@ -143,9 +143,11 @@ class Session {
         this.failedCalls++;
         // Values that read differently each time make one kind per error text, whatever
         // the method: the addon checked one value and read another.
+        // Values quoted in V8's messages ("'0.5' returned for property ...") vary.
+        const text = describeError(error).replace(/'[^']*'/g, "'…'");
         const signature = unstable
-          ? `${describeError(error)} (argument values change between reads)`
-          : `${className}.${method}: ${describeError(error)}`;
+          ? `${text} (argument values change between reads)`
+          : `${className}.${method}: ${text}`;
         this.finding('exception', signature, {
           method: `${className}.${method}`, error: describeError(error), last: this.current,
         });
@@ -318,8 +320,9 @@ class Session {
       timers.push(setTimeout(end, 5000));
       worker.on('message', (m) => {
         if (m.type === 'finding') {
-          const { kind, signature, ...details } = m;
-          this.finding(kind, signature.slice(kind.length + 1), { ...details, worker: seed });
+          // Replayed through this session: its chunk and call, and the worker's own place.
+          const { kind, signature, seed: workerSeed, call: workerCall, step: workerStep, type, ...details } = m;
+          this.finding(kind, `${signature.slice(kind.length + 1)} (in a worker)`, { ...details, workerSeed, workerCall });
         } else if (m.type === 'done') {
           timers.push(setTimeout(end, 200));
         }
@@ -341,23 +344,24 @@ class Session {
     while (this.calls < calls) {
       this.step++;
       const r = rng.float();
-      if (r < 0.002) {
+      if (r < 0.003) {
         this.progress('gc()');
         global.gc();
-      } else if (r < 0.022) {
+      } else if (r < 0.033) {
         this.emitFrame();
-      } else if (r < 0.03) {
+      } else if (r < 0.041) {
         this.simStep();
-      } else if (r < 0.0305 && this.workers) {
+      } else if (r < 0.0415 && this.workers) {
         await this.workerStep();
-      } else if (!this.engineUp && r < 0.1) {
+      } else if (!this.engineUp && r < 0.11) {
         this.createEngine();
       } else {
         this.callSomething();
       }
-      // Let queued events, frames and promise settlements reach script now and then.
-      if (this.step % 32 === 0) await new Promise(setImmediate);
-      if (this.step % 997 === 0) await sleep(rng.int(5));
+      // Let queued events, frames and promise settlements reach script now and then, and
+      // sometimes long enough for the engine's own preview and playback frames.
+      if (this.step % 16 === 0) await new Promise(setImmediate);
+      if (this.step % 997 === 0) await sleep(rng.chance(0.2) ? rng.range(30, 120) : rng.int(5));
     }
   }
 

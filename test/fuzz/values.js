@@ -43,7 +43,8 @@ function isMarker(error) {
 // ---- printing ---------------------------------------------------------------------------
 
 const IDENT = /^[A-Za-z_$][\w$]*$/;
-const keyText = (k) => (typeof k === 'symbol' ? `[${show(k)}]` : IDENT.test(k) ? k : JSON.stringify(k));
+const keyText = (k) => (typeof k === 'symbol' ? `[${show(k)}]`
+  : IDENT.test(k) && k.length <= 80 ? k : k.length <= 80 ? JSON.stringify(k) : `[${showString(k)}]`);
 
 function showString(s) {
   if (bigStrings.has(s)) return bigStrings.get(s);
