@@ -220,7 +220,10 @@ test('run-time discovery', () => {
   }
 });
 
-test('the driver', async (t) => {
+// The fuzzer runs on Linux: it tells crashes by POSIX signals and prints POSIX commands.
+const posixOnly = process.platform === 'win32' && 'the fuzzer runs on Linux (POSIX signals and commands)';
+
+test('the driver', { skip: posixOnly }, async (t) => {
   const dir = fs.mkdtempSync(path.join(os.tmpdir(), 'orva-driver-'));
   t.after(() => fs.rmSync(dir, { recursive: true, force: true }));
   // A child in the real one's protocol: writes a step to --progress, then does `body`.
@@ -278,7 +281,7 @@ test('the driver', async (t) => {
 });
 
 test('a chunk replays the same steps for its seed',
-  { skip: process.env.ORVA_SANITIZER === 'tsan' && 'spawns fuzz children; minutes under TSan' }, () => {
+  { skip: posixOnly || (process.env.ORVA_SANITIZER === 'tsan' && 'spawns fuzz children; minutes under TSan') }, () => {
     const trace = (calls) => {
       const r = spawnSync(process.execPath,
         ['--expose-gc', '--force-node-api-uncaught-exceptions-policy=true', path.join(root, 'test', 'fuzz', 'child.js'), '--seed', '31337', '--calls', String(calls), '--trace'],
