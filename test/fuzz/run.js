@@ -277,7 +277,8 @@ async function main() {
     if (f.error) console.log(`  error: ${f.error}`);
     // With --trace the child's stderr is the trace, already on the terminal.
     if (f.stderr && !options.trace) console.log(`  child's stderr:\n${indent(f.stderr.trim().split('\n').slice(0, 60).join('\n'), '    | ')}`);
-    console.log(`  replay: ${replayCommand(f.seed, f.call + 1)}`);
+    // Up to and including the call; an exit finding comes after the chunk's last call.
+    console.log(`  replay: ${replayCommand(f.seed, f.kind === 'exit' ? f.call : f.call + 1)}`);
   }
   console.log(`fuzz: ${calls - failed} passed, ${failed} failed`);
   process.exitCode = groups.size ? 1 : 0;

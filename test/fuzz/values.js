@@ -43,8 +43,10 @@ function isMarker(error) {
 // ---- printing ---------------------------------------------------------------------------
 
 const IDENT = /^[A-Za-z_$][\w$]*$/;
+// A literal's `__proto__: v` would set the prototype; the computed key makes the own key.
 const keyText = (k) => (typeof k === 'symbol' ? `[${show(k)}]`
-  : IDENT.test(k) && k.length <= 80 ? k : k.length <= 80 ? JSON.stringify(k) : `[${showString(k)}]`);
+  : k === '__proto__' ? '["__proto__"]'
+    : IDENT.test(k) && k.length <= 80 ? k : k.length <= 80 ? JSON.stringify(k) : `[${showString(k)}]`);
 
 function showString(s) {
   if (bigStrings.has(s)) return bigStrings.get(s);

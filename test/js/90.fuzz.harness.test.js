@@ -87,7 +87,9 @@ test('printed arguments', async (t) => {
       const rebuilt = eval(`(${text})`);
       assert.deepStrictEqual(plain(rebuilt), plain(v), text);
     }
-    const tricky = [-0, NaN, -Infinity, 2 ** 53 + 2, 12n, '\ud800', 'a\u0000b', '中文', Buffer.alloc(3), new ArrayBuffer(5)];
+    const ownProto = Object.defineProperty({}, '__proto__', { value: 5, enumerable: true, configurable: true, writable: true });
+    const tricky = [-0, NaN, -Infinity, 2 ** 53 + 2, 12n, '\ud800', 'a\u0000b', '中文', Buffer.alloc(3), new ArrayBuffer(5),
+      ownProto, { ['k'.repeat(1000)]: 'y'.repeat(4097) }];
     for (const v of tricky) {
       // eslint-disable-next-line no-eval
       assert.deepStrictEqual(eval(`(${show(v)})`), v, show(v));
