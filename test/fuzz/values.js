@@ -12,10 +12,6 @@ const tags = new WeakMap();
 // The errors our own getters, traps and callbacks throw: an exception that is one of these
 // came from the script value itself, not from the addon.
 const markers = new WeakSet();
-// Every proxy made: never inspected outside a call.
-const proxies = new WeakSet();
-// Revoked proxies throw V8's own TypeError, which has no identity to check against.
-const revoked = new WeakSet();
 // Long strings print by how they were made.
 const bigStrings = new Map();
 // Objects the generator made for the current argument and may still change. Anything else
@@ -279,12 +275,6 @@ class Values {
   }
 
   proxy(target, depth) {
-    const p = this.makeProxy(target, depth);
-    proxies.add(p);
-    return p;
-  }
-
-  makeProxy(target, depth) {
     const r = this.rng;
     const m = marker();
     const thrower = () => { throw m; };
@@ -309,7 +299,7 @@ class Values {
       case 3: {
         const { proxy, revoke } = Proxy.revocable(target, {});
         revoke();
-        revoked.add(proxy);
+        // It throws V8's own TypeError, which has no identity to check against.
         this.revokedInCall = true;
         return tag(proxy, `revoked(new Proxy(${t}, {}))`);
       }
@@ -580,4 +570,4 @@ class Values {
   }
 }
 
-module.exports = { Values, show, tag, marker, isMarker, revoked, proxies, tags };
+module.exports = { Values, show, tag, marker, isMarker };
