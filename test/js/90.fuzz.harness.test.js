@@ -48,8 +48,18 @@ test('the oracle', async (t) => {
       assert.strictEqual(classify(new Error(text)), null, `${text} as a plain Error`);
       assert.strictEqual(classify(new TypeError(`${text}.`)), null, `${text} with a dot`);
     }
-    assert.strictEqual(classify(new TypeError('A number was expected')), null);
     assert.strictEqual(classify('Wrong arguments'), null, 'a thrown string');
+  });
+
+  await t.test('accepts the errors of a value that cannot be converted, and nothing like them', () => {
+    assert.strictEqual(classify(new TypeError('A number was expected')), 'conversion');
+    assert.strictEqual(classify(new TypeError('Cannot convert a Symbol value to a string')), 'conversion');
+    assert.strictEqual(classify(new Error('Invalid argument')), 'conversion');
+    assert.strictEqual(classify(new Error('An array was expected')), 'conversion');
+    assert.strictEqual(classify(new TypeError('Invalid argument')), null, 'as a TypeError');
+    assert.strictEqual(classify(new Error('A number was expected')), null, 'as a plain Error');
+    assert.strictEqual(classify(new RangeError('Invalid argument')), null);
+    assert.strictEqual(classify(new TypeError('A number was expected!')), null);
   });
 
   await t.test("accepts a value's own error by identity only", () => {
