@@ -160,6 +160,18 @@ std::vector<uint8_t> arrayBufferBytes(const ArgObject& object, const char* key) 
   return std::vector<uint8_t>(bytes, bytes + buffer.ByteLength());
 }
 
+std::string keyValueText(const ArgObject& object) {
+  const Napi::Object source = object.value().As<Napi::Object>();
+  const Napi::Array keys = source.GetPropertyNames();
+  std::string text;
+  for (uint32_t i = 0; i < keys.Length(); ++i) {
+    const Napi::Value key = keys.Get(i);
+    if (!text.empty()) text += ';';
+    text += key.ToString().Utf8Value() + '=' + source.Get(key).ToString().Utf8Value();
+  }
+  return text;
+}
+
 bool OptionalKeys::take(const char* key, ArgType type, const char* message) {
   if (!ok_ || !object_.has(key)) return false;
   if (!object_.is(key, type)) {
@@ -190,17 +202,31 @@ OptionalKeys& OptionalKeys::int32List(const char* key, std::vector<int32_t>& fie
   return *this;
 }
 
+OptionalKeys& OptionalKeys::uint32(const char* key, uint32_t& field, const char* message) {
+  if (take(key, ArgType::Number, message)) field = truncatedUint32(object_, key);
+  return *this;
+}
+
+OptionalKeys& OptionalKeys::bytes(const char* key, std::vector<uint8_t>& field, const char* message) {
+  if (take(key, ArgType::ArrayBuffer, message)) field = arrayBufferBytes(object_, key);
+  return *this;
+}
+
 bool PromiseCall::begin(std::initializer_list<ArgumentRule> rules) {
-  if (!hasArgument()) {
-    reject(env().Undefined());
-    return false;
-  }
+  return requireArgument() && requireEngine() && check(rules);
+}
+
+bool PromiseCall::requireArgument() {
+  if (hasArgument()) return true;
+  reject(env().Undefined());
+  return false;
+}
+
+bool PromiseCall::requireEngine() {
   engine_ = sdk::Engine::instance();
-  if (!engine_) {
-    reject(info()[0]);
-    return false;
-  }
-  return check(rules);
+  if (engine_) return true;
+  reject(info()[0]);
+  return false;
 }
 
 const char* resultFailureLine(const std::string& apiName) {
