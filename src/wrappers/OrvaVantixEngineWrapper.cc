@@ -20,8 +20,8 @@ using W = OrvaVantixEngineWrapper;
 
 // The method table in its published order (the script class lists its methods in this
 // order). Each feature family joins by inserting its rows in their places; the families not
-// yet here (mixer tasks, devices and audio processing, messaging and utilities, the
-// experimental API, native plugins) are marked where their rows go.
+// yet here (devices and audio processing, messaging and utilities, the experimental API,
+// native plugins) are marked where their rows go.
 const W::MethodRow W::kMethodTable[] = {
     {"uploadLog", &W::uploadLog},
     {"enableDebugAssistant", &W::enableDebugAssistant},
@@ -67,7 +67,8 @@ const W::MethodRow W::kMethodTable[] = {
     {"muteAllPlayStreamAudio", &W::muteAllPlayStreamAudio},
     {"enableHardwareDecoder", &W::enableHardwareDecoder},
     {"enableCheckPoc", &W::enableCheckPoc},
-    // 46 startMixerTask, 47 stopMixerTask (mixer tasks)
+    {"startMixerTask", &W::startMixerTask},
+    {"stopMixerTask", &W::stopMixerTask},
     {"setStreamAlignmentProperty", &W::setStreamAlignmentProperty},
     {"setPublishStreamEncryptionKey", &W::setPublishStreamEncryptionKey},
     {"setPlayStreamDecryptionKey", &W::setPlayStreamDecryptionKey},

@@ -7,6 +7,7 @@
 //   OrvaVantixEngineWrapper_room.cc     rooms
 //   OrvaVantixEngineWrapper_publish.cc  preview, publishing, encoder settings, snapshots
 //   OrvaVantixEngineWrapper_play.cc     playing remote streams
+//   OrvaVantixEngineWrapper_mixer.cc    stream-mixing tasks
 //   OrvaVantixEngineWrapper_frame.cc    the frame buffers script registers for rendering
 // Every method is written in the common shape of OrvaVantixEngineWrapper_shape.h.
 //
@@ -104,6 +105,10 @@ class OrvaVantixEngineWrapper : public Napi::ObjectWrap<OrvaVantixEngineWrapper>
   Napi::Value setPlayStreamVideoType(const Napi::CallbackInfo& info);
   Napi::Value setPlayStreamBufferIntervalRange(const Napi::CallbackInfo& info);
   Napi::Value takePlayStreamSnapshot(const Napi::CallbackInfo& info);
+
+  // ---- mixer tasks (OrvaVantixEngineWrapper_mixer.cc)
+  Napi::Value startMixerTask(const Napi::CallbackInfo& info);
+  Napi::Value stopMixerTask(const Napi::CallbackInfo& info);
 
   // ---- frame buffers for rendering (OrvaVantixEngineWrapper_frame.cc)
   Napi::Value initVideoCaptureBuffer(const Napi::CallbackInfo& info);

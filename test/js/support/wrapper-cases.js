@@ -56,11 +56,13 @@ function edited(arg, path, edit) {
   return copy;
 }
 
-// The checker's messages: the object name is the key's parent ('' at the top).
+// The checker's messages: the object name is the key's parent ('' at the top); an array
+// element ('inputList.0.streamID') is named by its array.
 function messages(path, type) {
   const keys = path.split('.');
   const key = keys.pop();
-  const objectName = keys.length ? keys[keys.length - 1] : '';
+  const parents = keys.filter((k) => !/^\d+$/.test(k));
+  const objectName = parents.length ? parents[parents.length - 1] : '';
   return {
     missing: `param ${objectName}.${key} missing`,
     wrong: `param ${objectName}.${key} should be type of ${type}`,
