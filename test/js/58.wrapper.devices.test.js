@@ -293,7 +293,7 @@ test('devices: the simulated engine keeps device state and runs the monitors', a
     engine.muteAudioDevice({ deviceType: OUTPUT, deviceID: 'sim-speaker-3', mute: true });
     await until(() => reports().some((r) => r.volume === 0), 5000, 'a muted report');
     engine.stopAudioDeviceVolumeMonitor({ deviceType: OUTPUT, deviceID: 'sim-speaker-3' });
-    await sleep(50); // a report already on its way
+    await sleep(150); // a report already on its way arrives
     const stopped = reports().length;
     await sleep(300);
     assert.strictEqual(reports().length, stopped);
@@ -306,9 +306,17 @@ test('devices: the simulated engine keeps device state and runs the monitors', a
     // The microphone is muted (above): silence only.
     assert.ok(reports().every((r) => r.type === 1 && r.state === 0), JSON.stringify(reports()));
     engine.stopAudioVADStableStateMonitor({ type: 1 });
-    await sleep(50);
+    await sleep(150);
     const stopped = reports().length;
     await sleep(200);
     assert.strictEqual(reports().length, stopped);
+
+    // With the microphone open, five silent reports, then speech.
+    engine.muteMicrophone({ mute: false });
+    engine.startAudioVADStableStateMonitor({ type: 0, millisecond: 10 });
+    const open = () => reports().filter((r) => r.type === 0).map((r) => r.state);
+    await until(() => open().length >= 6, 5000, 'speech');
+    engine.stopAudioVADStableStateMonitor({ type: 0 });
+    assert.deepStrictEqual(open().slice(0, 6), [0, 0, 0, 0, 0, 1]);
   });
 });
