@@ -128,7 +128,7 @@ inline uint32_t truncatedUint32(const ArgObject& object, const char* key) {
 std::vector<uint8_t> arrayBufferBytes(const ArgObject& object, const char* key);
 
 // The engine's advanced configuration text, "key=value;key=value", from a script object's
-// own enumerable keys in their order, each value kept as text (coerced).
+// enumerable keys in for...in order, each value kept as text (coerced).
 std::string keyValueText(const ArgObject& object);
 
 // Optional keys of a nested object, each looked at only when the object has the property (a
@@ -244,7 +244,7 @@ class PromiseCall : public MethodCall {
   bool requireArgument();
   bool requireEngine();
 
-  // The engine found by begin(); valid after begin() returned true.
+  // The engine found by begin() or requireEngine(); valid after either returned true.
   sdk::Engine& engine() const { return *engine_; }
 
   // The completion to hand to the engine call: on the engine thread it turns the result
