@@ -4,14 +4,15 @@
 //   node demo/index.js   (ORVA_BUILD picks the build, default release)
 //
 //  1. create the engine; every engine event reaches script through one callback
-//  2. log into a room and watch the room events
-//  3. start the camera preview and save a captured frame as a PNG picture
-//  4. publish the camera as a stream
-//  5. play that stream back and save a received frame as a PNG picture
-//  6. take a snapshot of the published stream and save the JPEG
-//  7. set room extra information through a promise
-//  8. make a deliberate mistake and read the "onDebugError" alert script receives
-//  9. stop everything, log out and destroy the engine
+//  2. list the microphones, speakers and cameras
+//  3. log into a room and watch the room events
+//  4. start the camera preview and save a captured frame as a PNG picture
+//  5. publish the camera as a stream
+//  6. play that stream back and save a received frame as a PNG picture
+//  7. take a snapshot of the published stream and save the JPEG
+//  8. set room extra information through a promise
+//  9. make a deliberate mistake and read the "onDebugError" alert script receives
+// 10. stop everything, log out and destroy the engine
 // The pictures land in demo/output/.
 
 const path = require('path');
@@ -29,6 +30,8 @@ const DISCONNECTED = 0;
 const PUBLISHING = 2;     // publisher state
 const PLAYING = 2;        // player state
 const VIDEO_360P = 2;     // video configuration preset
+const AUDIO_INPUT = 0;    // audio device types
+const AUDIO_OUTPUT = 1;
 
 const step = (text) => console.log(`\n== ${text}`);
 const shown = (file) => path.relative(process.cwd(), file) || file;
@@ -63,6 +66,16 @@ async function tour() {
   console.log(`engine object: ${engine.constructor.name}, engine library ${addon.GetNativeDllVersion()}`);
   // Frame events go to their own listener.
   engine.registerEventHandler({ name: 'tsfn', func: frameEvents.listener });
+
+  step('devices: the current one of each kind is marked');
+  const lists = [
+    ['microphones', engine.getAudioDeviceList({ deviceType: AUDIO_INPUT }), engine.getCurrentAudioDevice({ deviceType: AUDIO_INPUT }).deviceID],
+    ['speakers', engine.getAudioDeviceList({ deviceType: AUDIO_OUTPUT }), engine.getCurrentAudioDevice({ deviceType: AUDIO_OUTPUT }).deviceID],
+    ['cameras', engine.getVideoDeviceList(), engine.getDefaultVideoDeviceID()],
+  ];
+  for (const [kind, devices, current] of lists) {
+    console.log(`${kind}: ${devices.map((d) => `${d.deviceName} (${d.deviceID})${d.deviceID === current ? ' *' : ''}`).join(', ')}`);
+  }
 
   step(`loginRoom "${ROOM}" as ${USER.userID}`);
   const connected = engineEvents.next('onRoomStateUpdate', (p) => p.roomID === ROOM && p.state === CONNECTED);

@@ -1,7 +1,13 @@
-// Fake audio and video devices: two microphones, two speakers, two cameras with stable IDs,
-// plus mutes and volumes.
+// Fake audio and video devices: three microphones, three speakers, three cameras with stable
+// IDs (the third of each with a name outside ASCII), mutes and volumes, the current devices,
+// and the device volume and voice activity monitors, which report while they run.
 #include <algorithm>
 #include <memory>
+#include <utility>
+
+#if defined(_WIN32)
+#include <objbase.h>
+#endif
 
 #include "sim_engine.h"
 
@@ -12,12 +18,29 @@ struct FakeDevice {
   const char* id;
   const char* name;
 };
-constexpr FakeDevice kMics[] = {{"sim-mic-1", "Sim Microphone 1"}, {"sim-mic-2", "Sim Microphone 2"}};
-constexpr FakeDevice kSpeakers[] = {{"sim-speaker-1", "Sim Speaker 1"}, {"sim-speaker-2", "Sim Speaker 2"}};
-constexpr FakeDevice kCameras[] = {{"sim-camera-1", "Sim Camera 1"}, {"sim-camera-2", "Sim Camera 2"}};
+// Names in UTF-8, spelled as escapes so that every compiler reads the same bytes:
+// "麦克风 (USB)", "Kopfhörer", "Caméra intégrée".
+constexpr FakeDevice kMics[] = {{"sim-mic-1", "Sim Microphone 1"},
+                                {"sim-mic-2", "Sim Microphone 2"},
+                                {"sim-mic-3", "\xE9\xBA\xA6\xE5\x85\x8B\xE9\xA3\x8E (USB)"}};
+constexpr FakeDevice kSpeakers[] = {{"sim-speaker-1", "Sim Speaker 1"},
+                                    {"sim-speaker-2", "Sim Speaker 2"},
+                                    {"sim-speaker-3", "Kopfh\xC3\xB6rer"}};
+constexpr FakeDevice kCameras[] = {{"sim-camera-1", "Sim Camera 1"},
+                                   {"sim-camera-2", "Sim Camera 2"},
+                                   {"sim-camera-3", "Cam\xC3\xA9ra int\xC3\xA9gr\xC3\xA9" "e"}};
 
 constexpr int32_t kDefaultDeviceVolume = 80;
 constexpr int32_t kDefaultInAppVolume = 100;
+// How often a device volume monitor reports.
+constexpr uint32_t kVolumeMonitorMs = 100;
+// The voice activity monitor's shortest interval, like the sound level monitor's.
+constexpr int32_t kMinVadIntervalMs = 10;
+// Voice activity states: the stable state alternates every few reports while the microphone
+// is open (someone speaks, then pauses) and stays silent while it is muted.
+constexpr int32_t kVadNoise = 0;
+constexpr int32_t kVadSpeech = 1;
+constexpr uint64_t kVadReportsPerState = 5;
 
 // A view of one of the static device tables, so found devices stay valid.
 struct DeviceSet {
@@ -49,6 +72,18 @@ orva_device_info info(const FakeDevice& d) {
   setFixed(out.deviceName, sizeof out.deviceName, d.name);
   return out;
 }
+
+#if defined(_WIN32)
+// Audio devices are enumerated through COM on Windows: a thread that has not initialised COM
+// finds none, as with a real engine.
+bool comReady() {
+  APTTYPE type;
+  APTTYPEQUALIFIER qualifier;
+  return CoGetApartmentType(&type, &qualifier) == S_OK;
+}
+#else
+bool comReady() { return true; }
+#endif
 
 orva_device_info* handOut(const DeviceSet& set, uint32_t* count) {
   auto st = std::make_unique<Storage>();
@@ -130,7 +165,7 @@ ORVA_API orva_device_info* ORVA_CALL orva_vantix_get_audio_device_list(int32_t d
     gen::journal_get_audio_device_list(deviceType, deviceCount);
     constexpr const char* fn = "orva_vantix_get_audio_device_list";
     if (core().scripted.get(fn)) return gen::scriptedList<orva_device_info>(fn, deviceCount);
-    return handOut(audioDevices(deviceType), deviceCount);
+    return handOut(comReady() ? audioDevices(deviceType) : DeviceSet{}, deviceCount);
   });
 }
 
@@ -238,5 +273,84 @@ ORVA_API void ORVA_CALL orva_vantix_get_default_video_device_id(char* deviceID, 
   guardedVoid([&] {
     gen::journal_get_default_video_device_id(deviceID, deviceIDLength);
     copyOut(scriptedText("orva_vantix_get_default_video_device_id").value_or(kCameras[0].id), deviceID, deviceIDLength);
+  });
+}
+
+ORVA_API int32_t ORVA_CALL orva_vantix_start_audio_device_volume_monitor(int32_t deviceType, const char* deviceID) {
+  return guarded<int32_t>(kErrInvalid, [&] {
+    gen::journal_start_audio_device_volume_monitor(deviceType, deviceID);
+    if (auto code = refusal("orva_vantix_start_audio_device_volume_monitor")) return *code;
+    const FakeDevice* d = find(audioDevices(deviceType), deviceID);
+    if (!d) return kErrInvalid;
+    const auto key = std::make_pair(deviceType, std::string(d->id));
+    const uint64_t token = Engine::newToken();
+    {
+      std::lock_guard<std::mutex> lock(engine().mu);
+      engine().st.devices.volumeMonitors[key] = token;  // a second start restarts it
+    }
+    // Reports the device's volume (0 while it is muted) until stopped.
+    startTicker(core().events, kVolumeMonitorMs, [key, token]() -> uint32_t {
+      int32_t volume = 0;
+      {
+        std::lock_guard<std::mutex> lock(engine().mu);
+        const DeviceState& devices = engine().st.devices;
+        auto it = devices.volumeMonitors.find(key);
+        if (it == devices.volumeMonitors.end() || it->second != token) return 0;
+        volume = valueOr(devices.muted, key.second, false) ? 0 : valueOr(devices.volume, key.second, kDefaultDeviceVolume);
+      }
+      gen::fire_audio_device_volume_changed(key.first, key.second.c_str(), volume);
+      return kVolumeMonitorMs;
+    });
+    return 0;
+  });
+}
+
+ORVA_API int32_t ORVA_CALL orva_vantix_stop_audio_device_volume_monitor(int32_t deviceType, const char* deviceID) {
+  return guarded<int32_t>(kErrInvalid, [&] {
+    gen::journal_stop_audio_device_volume_monitor(deviceType, deviceID);
+    if (auto code = refusal("orva_vantix_stop_audio_device_volume_monitor")) return *code;
+    const FakeDevice* d = find(audioDevices(deviceType), deviceID);
+    if (!d) return kErrInvalid;
+    std::lock_guard<std::mutex> lock(engine().mu);
+    engine().st.devices.volumeMonitors.erase(std::make_pair(deviceType, std::string(d->id)));
+    return 0;
+  });
+}
+
+ORVA_API int32_t ORVA_CALL orva_vantix_start_audio_vad_stable_state_monitor(int32_t type, int32_t millisecond) {
+  return guarded<int32_t>(kErrInvalid, [&] {
+    gen::journal_start_audio_vad_stable_state_monitor(type, millisecond);
+    if (auto code = refusal("orva_vantix_start_audio_vad_stable_state_monitor")) return *code;
+    const uint32_t period = static_cast<uint32_t>(std::max(millisecond, kMinVadIntervalMs));
+    const uint64_t token = Engine::newToken();
+    {
+      std::lock_guard<std::mutex> lock(engine().mu);
+      engine().st.devices.vadMonitors[type] = token;
+    }
+    auto reports = std::make_shared<uint64_t>(0);
+    startTicker(core().events, period, [type, token, period, reports]() -> uint32_t {
+      bool muted = false;
+      {
+        std::lock_guard<std::mutex> lock(engine().mu);
+        const auto& monitors = engine().st.devices.vadMonitors;
+        auto it = monitors.find(type);
+        if (it == monitors.end() || it->second != token) return 0;
+        muted = engine().st.micMuted;
+      }
+      const bool speaking = !muted && (*reports)++ / kVadReportsPerState % 2 == 1;
+      gen::fire_audio_vad_state_update(type, speaking ? kVadSpeech : kVadNoise);
+      return period;
+    });
+    return 0;
+  });
+}
+
+ORVA_API int32_t ORVA_CALL orva_vantix_stop_audio_vad_stable_state_monitor(int32_t type) {
+  return guarded<int32_t>(kErrInvalid, [&] {
+    gen::journal_stop_audio_vad_stable_state_monitor(type);
+    if (auto code = refusal("orva_vantix_stop_audio_vad_stable_state_monitor")) return *code;
+    std::lock_guard<std::mutex> lock(engine().mu);
+    engine().st.devices.vadMonitors.erase(type);
+    return 0;
   });
 }

@@ -4,7 +4,8 @@
 //   sim_room.cc          login/logout, room stream list, messages
 //   sim_publish.cc       video/audio config, preview and captured frames, publishing
 //   sim_play.cc          playing streams and remote frames, sound level / spectrum monitors
-//   sim_devices.cc       audio and video devices, mutes and volumes
+//   sim_devices.cc       audio and video devices, mutes and volumes, device monitors
+//   sim_mixer.cc         stream-mixing tasks
 //   sim_media_player.cc  media players and audio effect players
 //   sim_capture.cc       screen capture sources, experimental API
 //
@@ -121,6 +122,9 @@ struct DeviceState {
   std::map<std::string, int32_t> volume;        // by device ID, default 80
   std::map<std::string, bool> muted;
   std::map<std::string, int32_t> inAppVolume;   // default 100
+  // Running monitors by what they watch; each ticker stops when its token is gone.
+  std::map<std::pair<int32_t, std::string>, uint64_t> volumeMonitors;  // (deviceType, deviceID)
+  std::map<int32_t, uint64_t> vadMonitors;                             // by VAD monitor type
 };
 
 struct EngineState {
@@ -137,6 +141,7 @@ struct EngineState {
   bool speakerMuted = false;
   MonitorState soundLevel;
   MonitorState spectrum;
+  std::map<std::string, std::vector<std::string>> mixerTasks;  // running task ID -> output targets
   uint64_t broadcastMessageID = 0;
   uint64_t barrageMessageID = 0;
 };

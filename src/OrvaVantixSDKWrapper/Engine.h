@@ -69,6 +69,12 @@ class Engine {
 
 #include "engine_calls.inc"
 
+  // The sound level monitor at an interval only: the engine's configured start, without
+  // voice activity detection.
+  int32_t startSoundLevelMonitor(uint32_t millisecond) {
+    return startSoundLevelMonitorWithConfig(SoundLevelConfig{millisecond, false});
+  }
+
  protected:
   Engine() = default;  // made only by create()
 };

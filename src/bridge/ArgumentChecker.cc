@@ -164,6 +164,20 @@ std::vector<int32_t> ArgObject::int32List(const char* key) const {
   return list(key, [](const Napi::Value& element) { return element.As<Napi::Number>().Int32Value(); });
 }
 
+uint32_t ArgObject::length(const char* key) const { return get(key).As<Napi::Array>().Length(); }
+
+Napi::Value ArgObject::at(const char* key, uint32_t index) const {
+  return get(key).As<Napi::Object>().Get(index);
+}
+
+int32_t ArgObject::int32At(const char* key, uint32_t index) const {
+  return at(key, index).As<Napi::Number>().Int32Value();
+}
+
+float ArgObject::float32At(const char* key, uint32_t index) const {
+  return static_cast<float>(at(key, index).As<Napi::Number>().DoubleValue());
+}
+
 // ---- MethodCall -----------------------------------------------------------------------
 
 MethodCall::MethodCall(const Napi::CallbackInfo& info, std::string apiName,

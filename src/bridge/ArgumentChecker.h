@@ -36,7 +36,8 @@
 // args().is(key, type) and read them only when present. Readers convert as the method
 // tables say: string() (UTF-8), coercedString(), int64(), coercedInt64(), int32(),
 // truncatedInt32() (64-bit read cut to 32 bits, the wrappers' rule for engine integers),
-// uint32(), number() (double), float32(), boolean(), object(), list(). A reader whose
+// uint32(), number() (double), float32(), boolean(), object(), list(), and by array index
+// length(), at(), objectAt(), int32At(), float32At(). A reader whose
 // Node-API call fails throws the pending Node-API error into script (node-addon-api's
 // error path).
 #pragma once
@@ -121,6 +122,15 @@ class ArgObject {
     return out;
   }
   std::vector<int32_t> int32List(const char* key) const;
+
+  // Single elements of the array under `key`, fetched by index (for arrays walked by their
+  // length, or read with a fixed index range). An index past the end gives undefined, which
+  // a numeric read rejects with the number-expected error, thrown into script.
+  uint32_t length(const char* key) const;
+  Napi::Value at(const char* key, uint32_t index) const;
+  ArgObject objectAt(const char* key, uint32_t index) const { return ArgObject(env_, at(key, index)); }
+  int32_t int32At(const char* key, uint32_t index) const;  // napi_get_value_int32
+  float float32At(const char* key, uint32_t index) const;  // a double narrowed to float
 
  private:
   napi_env env_;

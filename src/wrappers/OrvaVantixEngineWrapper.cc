@@ -20,8 +20,8 @@ using W = OrvaVantixEngineWrapper;
 
 // The method table in its published order (the script class lists its methods in this
 // order). Each feature family joins by inserting its rows in their places; the families not
-// yet here (mixer tasks, devices and audio processing, messaging and utilities, the
-// experimental API, native plugins) are marked where their rows go.
+// yet here (messaging and utilities, the experimental API, native plugins) are marked where
+// their rows go.
 const W::MethodRow W::kMethodTable[] = {
     {"uploadLog", &W::uploadLog},
     {"enableDebugAssistant", &W::enableDebugAssistant},
@@ -41,12 +41,13 @@ const W::MethodRow W::kMethodTable[] = {
     {"getAudioConfig", &W::getAudioConfig},
     {"mutePublishStreamAudio", &W::mutePublishStreamAudio},
     {"mutePublishStreamVideo", &W::mutePublishStreamVideo},
-    // 19 enableMixEnginePlayout (devices and audio processing)
+    {"enableMixEnginePlayout", &W::enableMixEnginePlayout},
     {"enableTrafficControl", &W::enableTrafficControl},
     {"setMinVideoBitrateForTrafficControl", &W::setMinVideoBitrateForTrafficControl},
     {"setMinVideoFpsForTrafficControl", &W::setMinVideoFpsForTrafficControl},
     {"setMinVideoResolutionForTrafficControl", &W::setMinVideoResolutionForTrafficControl},
-    // 24 setCaptureVolume, 25 setAudioCaptureStereoMode (devices and audio processing)
+    {"setCaptureVolume", &W::setCaptureVolume},
+    {"setAudioCaptureStereoMode", &W::setAudioCaptureStereoMode},
     {"addPublishCdnUrl", &W::addPublishCdnUrl},
     {"removePublishCdnUrl", &W::removePublishCdnUrl},
     {"enablePublishDirectToCDN", &W::enablePublishDirectToCDN},
@@ -67,24 +68,72 @@ const W::MethodRow W::kMethodTable[] = {
     {"muteAllPlayStreamAudio", &W::muteAllPlayStreamAudio},
     {"enableHardwareDecoder", &W::enableHardwareDecoder},
     {"enableCheckPoc", &W::enableCheckPoc},
-    // 46 startMixerTask, 47 stopMixerTask (mixer tasks)
+    {"startMixerTask", &W::startMixerTask},
+    {"stopMixerTask", &W::stopMixerTask},
     {"setStreamAlignmentProperty", &W::setStreamAlignmentProperty},
     {"setPublishStreamEncryptionKey", &W::setPublishStreamEncryptionKey},
     {"setPlayStreamDecryptionKey", &W::setPlayStreamDecryptionKey},
     {"setPlayStreamFocusOn", &W::setPlayStreamFocusOn},
     // 52 getNetworkTimeInfo (messaging and utilities)
-    // 53-97 devices and audio processing, messaging and utilities, from muteMicrophone to
-    //       enableTransientANS
+    {"muteMicrophone", &W::muteMicrophone},
+    {"isMicrophoneMuted", &W::isMicrophoneMuted},
+    {"muteSpeaker", &W::muteSpeaker},
+    {"isSpeakerMuted", &W::isSpeakerMuted},
+    {"useAudioDevice", &W::useAudioDevice},
+    {"getAudioDeviceList", &W::getAudioDeviceList},
+    {"getAudioDeviceVolume", &W::getAudioDeviceVolume},
+    {"setAudioDeviceVolume", &W::setAudioDeviceVolume},
+    {"muteAudioDevice", &W::muteAudioDevice},
+    {"setSpeakerVolumeInAPP", &W::setSpeakerVolumeInAPP},
+    {"getSpeakerVolumeInAPP", &W::getSpeakerVolumeInAPP},
+    {"startAudioDeviceVolumeMonitor", &W::startAudioDeviceVolumeMonitor},
+    {"stopAudioDeviceVolumeMonitor", &W::stopAudioDeviceVolumeMonitor},
+    {"enableAudioCaptureDevice", &W::enableAudioCaptureDevice},
+    {"startAudioVADStableStateMonitor", &W::startAudioVADStableStateMonitor},
+    {"stopAudioVADStableStateMonitor", &W::stopAudioVADStableStateMonitor},
+    {"enableCamera", &W::enableCamera},
+    {"setLowlightEnhancement", &W::setLowlightEnhancement},
+    {"useVideoDevice", &W::useVideoDevice},
+    {"getVideoDeviceList", &W::getVideoDeviceList},
+    {"startSoundLevelMonitor", &W::startSoundLevelMonitor},
+    {"stopSoundLevelMonitor", &W::stopSoundLevelMonitor},
+    {"startAudioSpectrumMonitor", &W::startAudioSpectrumMonitor},
+    {"stopAudioSpectrumMonitor", &W::stopAudioSpectrumMonitor},
+    {"enableHeadphoneMonitor", &W::enableHeadphoneMonitor},
+    {"setHeadphoneMonitorVolume", &W::setHeadphoneMonitorVolume},
+    {"enableMixSystemPlayout", &W::enableMixSystemPlayout},
+    {"getCurrentAudioDevice", &W::getCurrentAudioDevice},
+    {"setMixSystemPlayoutVolume", &W::setMixSystemPlayoutVolume},
+    {"enableAEC", &W::enableAEC},
+    {"setAECMode", &W::setAECMode},
+    {"enableAGC", &W::enableAGC},
+    {"enableANS", &W::enableANS},
+    {"setANSMode", &W::setANSMode},
+    {"setVoiceChangerParam", &W::setVoiceChangerParam},
+    {"enableVirtualStereo", &W::enableVirtualStereo},
+    {"setAudioEqualizerGain", &W::setAudioEqualizerGain},
+    // 90 sendBroadcastMessage ... 94 stopRecordingCapturedData (messaging and utilities)
+    {"getDefaultAudioDeviceID", &W::getDefaultAudioDeviceID},
+    {"getDefaultVideoDeviceID", &W::getDefaultVideoDeviceID},
+    {"enableTransientANS", &W::enableTransientANS},
     // 98-105 messaging and utilities and native plugins, from enableVideoObjectSegmentation
     //        to setCustomVideoProcessCutRegion
     {"setTrafficControlFocusOn", &W::setTrafficControlFocusOn},
     {"setPlayStreamVideoType", &W::setPlayStreamVideoType},
-    // 108 setDummyCaptureImagePath ... 114 setReverbEchoParam
+    // 108 setDummyCaptureImagePath ... 111 setCustomVideoCaptureFillMode (messaging and
+    //     utilities, native plugins)
+    {"setReverbPreset", &W::setReverbPreset},
+    {"setVoiceChangerPreset", &W::setVoiceChangerPreset},
+    {"setReverbEchoParam", &W::setReverbEchoParam},
     {"setSEIConfig", &W::setSEIConfig},
-    // 116 setReverbAdvancedParam, 117 startNetworkSpeedTest, 118 stopNetworkSpeedTest
+    {"setReverbAdvancedParam", &W::setReverbAdvancedParam},
+    // 117 startNetworkSpeedTest, 118 stopNetworkSpeedTest (messaging and utilities)
     {"takePublishStreamSnapshot", &W::takePublishStreamSnapshot},
     {"takePlayStreamSnapshot", &W::takePlayStreamSnapshot},
-    // 121 callExperimentalAPI ... 124 enableCustomAudioCaptureProcessingAfterHeadphoneMonitor
+    // 121 callExperimentalAPI (experimental API)
+    {"startSoundLevelMonitorWithConfig", &W::startSoundLevelMonitorWithConfig},
+    // 123 enableCustomAudioCaptureProcessing, 124 enableCustomAudioCaptureProcessingAfter-
+    //     HeadphoneMonitor (messaging and utilities)
     {"renewToken", &W::renewToken},
     // 126 registerCustomAudioProcessPlugin, 127 unregisterCustomAudioProcessPlugin
     {"setPlayStreamBufferIntervalRange", &W::setPlayStreamBufferIntervalRange},
@@ -160,6 +209,18 @@ std::vector<uint8_t> arrayBufferBytes(const ArgObject& object, const char* key) 
   return std::vector<uint8_t>(bytes, bytes + buffer.ByteLength());
 }
 
+std::string keyValueText(const ArgObject& object) {
+  const Napi::Object source = object.value().As<Napi::Object>();
+  const Napi::Array keys = source.GetPropertyNames();
+  std::string text;
+  for (uint32_t i = 0; i < keys.Length(); ++i) {
+    const Napi::Value key = keys.Get(i);
+    if (!text.empty()) text += ';';
+    text += key.ToString().Utf8Value() + '=' + source.Get(key).ToString().Utf8Value();
+  }
+  return text;
+}
+
 bool OptionalKeys::take(const char* key, ArgType type, const char* message) {
   if (!ok_ || !object_.has(key)) return false;
   if (!object_.is(key, type)) {
@@ -190,17 +251,31 @@ OptionalKeys& OptionalKeys::int32List(const char* key, std::vector<int32_t>& fie
   return *this;
 }
 
+OptionalKeys& OptionalKeys::uint32(const char* key, uint32_t& field, const char* message) {
+  if (take(key, ArgType::Number, message)) field = truncatedUint32(object_, key);
+  return *this;
+}
+
+OptionalKeys& OptionalKeys::bytes(const char* key, std::vector<uint8_t>& field, const char* message) {
+  if (take(key, ArgType::ArrayBuffer, message)) field = arrayBufferBytes(object_, key);
+  return *this;
+}
+
 bool PromiseCall::begin(std::initializer_list<ArgumentRule> rules) {
-  if (!hasArgument()) {
-    reject(env().Undefined());
-    return false;
-  }
+  return requireArgument() && requireEngine() && check(rules);
+}
+
+bool PromiseCall::requireArgument() {
+  if (hasArgument()) return true;
+  reject(env().Undefined());
+  return false;
+}
+
+bool PromiseCall::requireEngine() {
   engine_ = sdk::Engine::instance();
-  if (!engine_) {
-    reject(info()[0]);
-    return false;
-  }
-  return check(rules);
+  if (engine_) return true;
+  reject(info()[0]);
+  return false;
 }
 
 const char* resultFailureLine(const std::string& apiName) {

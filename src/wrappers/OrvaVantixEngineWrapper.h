@@ -7,12 +7,14 @@
 //   OrvaVantixEngineWrapper_room.cc     rooms
 //   OrvaVantixEngineWrapper_publish.cc  preview, publishing, encoder settings, snapshots
 //   OrvaVantixEngineWrapper_play.cc     playing remote streams
+//   OrvaVantixEngineWrapper_mixer.cc    stream-mixing tasks
+//   OrvaVantixEngineWrapper_devices.cc  devices, monitors and audio processing
 //   OrvaVantixEngineWrapper_frame.cc    the frame buffers script registers for rendering
 // Every method is written in the common shape of OrvaVantixEngineWrapper_shape.h.
 //
 // Threads and lifetimes: every method runs on the script thread. The wrapper owns no engine
 // state: it asks for the engine singleton (sdk::Engine::instance()) at each call and keeps
-// only its last argument error. Promise completions run on engine threads and hold the
+// only its last argument error (and whether it initialised COM for the script thread). Promise completions run on engine threads and hold the
 // promise's deferred, never the wrapper: a completion may outlive its wrapper object.
 #pragma once
 
@@ -105,12 +107,69 @@ class OrvaVantixEngineWrapper : public Napi::ObjectWrap<OrvaVantixEngineWrapper>
   Napi::Value setPlayStreamBufferIntervalRange(const Napi::CallbackInfo& info);
   Napi::Value takePlayStreamSnapshot(const Napi::CallbackInfo& info);
 
+  // ---- mixer tasks (OrvaVantixEngineWrapper_mixer.cc)
+  Napi::Value startMixerTask(const Napi::CallbackInfo& info);
+  Napi::Value stopMixerTask(const Napi::CallbackInfo& info);
+
+  // ---- devices and audio processing (OrvaVantixEngineWrapper_devices.cc)
+  Napi::Value muteMicrophone(const Napi::CallbackInfo& info);
+  Napi::Value isMicrophoneMuted(const Napi::CallbackInfo& info);
+  Napi::Value muteSpeaker(const Napi::CallbackInfo& info);
+  Napi::Value isSpeakerMuted(const Napi::CallbackInfo& info);
+  Napi::Value useAudioDevice(const Napi::CallbackInfo& info);
+  Napi::Value getAudioDeviceList(const Napi::CallbackInfo& info);
+  Napi::Value getAudioDeviceVolume(const Napi::CallbackInfo& info);
+  Napi::Value setAudioDeviceVolume(const Napi::CallbackInfo& info);
+  Napi::Value muteAudioDevice(const Napi::CallbackInfo& info);
+  Napi::Value setSpeakerVolumeInAPP(const Napi::CallbackInfo& info);
+  Napi::Value getSpeakerVolumeInAPP(const Napi::CallbackInfo& info);
+  Napi::Value startAudioDeviceVolumeMonitor(const Napi::CallbackInfo& info);
+  Napi::Value stopAudioDeviceVolumeMonitor(const Napi::CallbackInfo& info);
+  Napi::Value enableAudioCaptureDevice(const Napi::CallbackInfo& info);
+  Napi::Value getCurrentAudioDevice(const Napi::CallbackInfo& info);
+  Napi::Value getDefaultAudioDeviceID(const Napi::CallbackInfo& info);
+  Napi::Value enableCamera(const Napi::CallbackInfo& info);
+  Napi::Value useVideoDevice(const Napi::CallbackInfo& info);
+  Napi::Value getVideoDeviceList(const Napi::CallbackInfo& info);
+  Napi::Value getDefaultVideoDeviceID(const Napi::CallbackInfo& info);
+  Napi::Value setLowlightEnhancement(const Napi::CallbackInfo& info);
+  Napi::Value startSoundLevelMonitor(const Napi::CallbackInfo& info);
+  Napi::Value startSoundLevelMonitorWithConfig(const Napi::CallbackInfo& info);
+  Napi::Value stopSoundLevelMonitor(const Napi::CallbackInfo& info);
+  Napi::Value startAudioSpectrumMonitor(const Napi::CallbackInfo& info);
+  Napi::Value stopAudioSpectrumMonitor(const Napi::CallbackInfo& info);
+  Napi::Value startAudioVADStableStateMonitor(const Napi::CallbackInfo& info);
+  Napi::Value stopAudioVADStableStateMonitor(const Napi::CallbackInfo& info);
+  Napi::Value enableHeadphoneMonitor(const Napi::CallbackInfo& info);
+  Napi::Value setHeadphoneMonitorVolume(const Napi::CallbackInfo& info);
+  Napi::Value enableMixSystemPlayout(const Napi::CallbackInfo& info);
+  Napi::Value setMixSystemPlayoutVolume(const Napi::CallbackInfo& info);
+  Napi::Value enableMixEnginePlayout(const Napi::CallbackInfo& info);
+  Napi::Value setCaptureVolume(const Napi::CallbackInfo& info);
+  Napi::Value setAudioCaptureStereoMode(const Napi::CallbackInfo& info);
+  Napi::Value enableAEC(const Napi::CallbackInfo& info);
+  Napi::Value setAECMode(const Napi::CallbackInfo& info);
+  Napi::Value enableAGC(const Napi::CallbackInfo& info);
+  Napi::Value enableANS(const Napi::CallbackInfo& info);
+  Napi::Value setANSMode(const Napi::CallbackInfo& info);
+  Napi::Value enableTransientANS(const Napi::CallbackInfo& info);
+  Napi::Value setVoiceChangerPreset(const Napi::CallbackInfo& info);
+  Napi::Value setVoiceChangerParam(const Napi::CallbackInfo& info);
+  Napi::Value setReverbPreset(const Napi::CallbackInfo& info);
+  Napi::Value setReverbAdvancedParam(const Napi::CallbackInfo& info);
+  Napi::Value setReverbEchoParam(const Napi::CallbackInfo& info);
+  Napi::Value enableVirtualStereo(const Napi::CallbackInfo& info);
+  Napi::Value setAudioEqualizerGain(const Napi::CallbackInfo& info);
+
   // ---- frame buffers for rendering (OrvaVantixEngineWrapper_frame.cc)
   Napi::Value initVideoCaptureBuffer(const Napi::CallbackInfo& info);
   Napi::Value initVideoPlayBuffer(const Napi::CallbackInfo& info);
   Napi::Value initMediaPlayerBuffer(const Napi::CallbackInfo& info);
 
   ArgumentErrors errors_;  // written by the argument checker, read by the debug alerts
+  // Set by the first getAudioDeviceList on this instance, which initialises COM for the
+  // script thread; never cleared (engine teardown uninitialises COM once).
+  bool comInitialised_ = false;
 };
 
 }  // namespace orva

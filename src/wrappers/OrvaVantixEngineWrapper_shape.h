@@ -92,8 +92,22 @@ Napi::Value askEngine(const MethodCall& call, ToScript toScript, Method method, 
   return toScript(call.env(), std::invoke(method, *engine, std::forward<Values>(values)...));
 }
 
+// Like askEngine, for the getters whose neutral value is an answer of its own (an empty
+// device list): toScript(env, `neutral`) when no engine exists.
+template <class ToScript, class Answer, class Method, class... Values>
+Napi::Value askEngineOr(const MethodCall& call, Answer neutral, ToScript toScript, Method method,
+                        Values&&... values) {
+  std::shared_ptr<sdk::Engine> engine = sdk::Engine::instance();
+  if (!engine) return toScript(call.env(), std::move(neutral));
+  return toScript(call.env(), std::invoke(method, *engine, std::forward<Values>(values)...));
+}
+
 // An engine answer that is a number (a result code, a support value).
 inline Napi::Value numberValue(Napi::Env env, int32_t answer) { return Napi::Number::New(env, answer); }
+// An engine answer that is a boolean (a mute state).
+inline Napi::Value booleanValue(Napi::Env env, bool answer) { return Napi::Boolean::New(env, answer); }
+// An engine answer that is a text (a device ID).
+inline Napi::Value textValue(Napi::Env env, const std::string& answer) { return Napi::String::New(env, answer); }
 
 // The completion of an asynchronous engine call whose result reaches script as an event, not
 // through this call: stores nothing.
@@ -112,6 +126,10 @@ inline uint32_t truncatedUint32(const ArgObject& object, const char* key) {
 
 // The bytes of the ArrayBuffer under `key` (checked as "ArrayBuffer" beforehand), copied.
 std::vector<uint8_t> arrayBufferBytes(const ArgObject& object, const char* key);
+
+// The engine's advanced configuration text, "key=value;key=value", from a script object's
+// enumerable keys in for...in order, each value kept as text (coerced).
+std::string keyValueText(const ArgObject& object);
 
 // Optional keys of a nested object, each looked at only when the object has the property (a
 // key present with the value undefined counts as present). The first key of the wrong type
@@ -132,6 +150,23 @@ class OptionalKeys {
   OptionalKeys& boolean(const char* key, bool& field, const char* message);
   // An array of numbers, each element read as a 32-bit integer.
   OptionalKeys& int32List(const char* key, std::vector<int32_t>& field, const char* message);
+  // An unsigned number, read like the signed ones (64-bit read cut to 32 bits).
+  OptionalKeys& uint32(const char* key, uint32_t& field, const char* message);
+  // The bytes of an ArrayBuffer, copied.
+  OptionalKeys& bytes(const char* key, std::vector<uint8_t>& field, const char* message);
+  // A nested object, handed to read(const ArgObject&), which checks and reads its keys and
+  // says whether they passed (a failure it found is already reported). A value that is not
+  // an object fails with `message`, or, when `message` is null, is ignored like an absent key.
+  template <class Read>
+  OptionalKeys& object(const char* key, const char* message, Read read) {
+    if (!ok_ || !object_.has(key)) return *this;
+    if (!object_.is(key, ArgType::Object)) {
+      if (message != nullptr) ok_ = call_.fail(message);
+      return *this;
+    }
+    ok_ = read(object_.object(key));
+    return *this;
+  }
 
   bool ok() const { return ok_; }
 
@@ -176,6 +211,17 @@ struct SnapshotResult {
   void fill(Payload& p) const { p.set("errorCode", errorCode).set("image", image); }
 };
 
+// { errorCode, extendedData }: the engine's answer with a text of its own (mixer tasks).
+struct ExtendedDataResult {
+  int32_t errorCode = 0;
+  std::string extendedData;
+
+  template <class Event>
+  static ExtendedDataResult of(const Event& event) { return {event.errorCode, event.extendedData}; }
+  static ExtendedDataResult refused(int32_t code) { return {code, std::string()}; }
+  void fill(Payload& p) const { p.set("errorCode", errorCode).set("extendedData", extendedData); }
+};
+
 // "OrvaVantixEngineWrapper::<apiName> blocking call failed \n", kept for the life of the
 // process (the dispatch worker prints it after the completion that named it has gone).
 const char* resultFailureLine(const std::string& apiName);
@@ -192,7 +238,13 @@ class PromiseCall : public MethodCall {
   // it); a failed check → rejects with the checker's message. True when all passed.
   bool begin(std::initializer_list<ArgumentRule> rules);
 
-  // The engine found by begin(); valid after begin() returned true.
+  // The same steps for a method that reads its whole argument before it asks for the engine
+  // (the mixer tasks): requireArgument() first (no argument → rejects with undefined), then
+  // the method's own checks, then requireEngine() (no engine → rejects with argument 0).
+  bool requireArgument();
+  bool requireEngine();
+
+  // The engine found by begin() or requireEngine(); valid after either returned true.
   sdk::Engine& engine() const { return *engine_; }
 
   // The completion to hand to the engine call: on the engine thread it turns the result

@@ -331,8 +331,9 @@ TEST_F(SimBehaviour, MessagesAreAnsweredAndEchoedToTheRoom) {
 TEST_F(SimBehaviour, DevicesHaveStableFakesAndRememberChoices) {
   uint32_t count = 0;
   orva_device_info* mics = ENGINE(orva_vantix_get_audio_device_list)(ORVA_AUDIO_DEVICE_TYPE_INPUT, &count);
-  ASSERT_EQ(count, 2u);
+  ASSERT_EQ(count, 3u);
   EXPECT_STREQ(mics[1].deviceID, "sim-mic-2");
+  EXPECT_STREQ(mics[2].deviceName, "\xE9\xBA\xA6\xE5\x85\x8B\xE9\xA3\x8E (USB)");  // UTF-8 as handed out
   ENGINE(orva_vantix_free_audio_device_list)(mics);
   EXPECT_EQ(ENGINE(orva_vantix_use_audio_device)(ORVA_AUDIO_DEVICE_TYPE_INPUT, "sim-mic-2"), 0);
   EXPECT_STREQ(ENGINE(orva_vantix_get_current_audio_device)(ORVA_AUDIO_DEVICE_TYPE_INPUT).deviceName, "Sim Microphone 2");

@@ -59,6 +59,31 @@ check('an addon call loads the same engine DLL and reaches it', () => {
   assert.strictEqual(addon.GetNativeDllVersion(), simVersion);
 });
 
+// The simulated engine lists audio devices only to a thread that has initialised COM, and
+// engine teardown uninitialises COM once: so the list a wrapper gets shows whether, and how
+// often, that wrapper initialised COM for the script thread.
+check('getAudioDeviceList initialises COM for the script thread once per wrapper', () => {
+  const engineOf = () => addon.CreateEngine({
+    profile: { appID: 1, appSign: '', scenario: 0 }, tsfn: () => {}, SDKVersion: 'wine', electronVersion: 'wine',
+  });
+  const first = engineOf();
+  try {
+    assert.strictEqual(first.getAudioDeviceList({ deviceType: 0 }).length, 3, 'COM initialised before the first list');
+    assert.strictEqual(first.getAudioDeviceList({ deviceType: 0 }).length, 3);
+  } finally {
+    addon.DestroyEngine();
+  }
+  const second = engineOf();
+  try {
+    // Teardown's one CoUninitialize balanced a single CoInitializeEx; the first wrapper, its
+    // COM step done, now meets a thread outside COM. A new wrapper initialises it again.
+    assert.deepStrictEqual(first.getAudioDeviceList({ deviceType: 0 }), [], 'COM initialised more than once');
+    assert.strictEqual(second.getAudioDeviceList({ deviceType: 0 }).length, 3);
+  } finally {
+    addon.DestroyEngine();
+  }
+});
+
 if (failed) {
   console.log(`wine smoke: FAIL (${failed} failed)`);
   process.exitCode = 1;

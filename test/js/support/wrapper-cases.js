@@ -10,7 +10,10 @@
 //            'user.userID' is the key userID of the nested object user
 //   calls    the engine calls a valid call makes: [[C function, C arguments as journaled]]
 //   returns  V rows: [value the engine answers (sim.setReturn), value script gets]
+//   neutral  V rows: what script gets when no engine exists (default undefined)
 //   result   P rows: the resolved object, or a predicate on it
+//   throws   a valid call throws this (assert.throws matcher) before any engine call, with an
+//            engine or without one
 //
 // For every row it checks:
 //   - each checked key missing, then of the wrong type: the checker's exact message, as an
@@ -20,8 +23,9 @@
 //   - a valid call: "call func:<reported name>", exactly the expected engine calls (the
 //     conversions: 64-bit reads cut to 32 bits, unsigned wrap-around, defaults), the return;
 //   - with no engine (after DestroyEngine, and on a wrapper whose engine never came up):
-//     no engine call, undefined for U and V, and P rejects with its own argument object
-//     (with undefined when called with no argument).
+//     no engine call, undefined for U, the row's neutral value for V, and P rejects with its
+//     own argument object (with undefined when called with no argument); a row that throws
+//     throws all the same.
 
 const test = require('node:test');
 const assert = require('node:assert');
@@ -56,11 +60,13 @@ function edited(arg, path, edit) {
   return copy;
 }
 
-// The checker's messages: the object name is the key's parent ('' at the top).
+// The checker's messages: the object name is the key's parent ('' at the top); an array
+// element ('inputList.0.streamID') is named by its array.
 function messages(path, type) {
   const keys = path.split('.');
   const key = keys.pop();
-  const objectName = keys.length ? keys[keys.length - 1] : '';
+  const parents = keys.filter((k) => !/^\d+$/.test(k));
+  const objectName = parents.length ? parents[parents.length - 1] : '';
   return {
     missing: `param ${objectName}.${key} missing`,
     wrong: `param ${objectName}.${key} should be type of ${type}`,
@@ -123,6 +129,12 @@ async function checkValidCall(sim, session, engine, row) {
   sim.reset();
   if (row.returns) sim.setReturn(row.calls[0][0], row.returns[0]);
   const infos = session.named('onDebugInfo').length;
+  if (row.throws) {
+    assert.throws(() => engine[row.method](clone(row.arg)), row.throws);
+    assert.deepStrictEqual(engineCalls(sim), [], 'no engine call');
+    await until(() => session.named('onDebugInfo').length > infos, 5000, 'the debug info');
+    return;
+  }
   const returned = engine[row.method](clone(row.arg));
   if (row.kind === 'P') {
     assert.ok(returned instanceof Promise);
@@ -145,6 +157,11 @@ async function checkValidCall(sim, session, engine, row) {
 async function checkWithoutEngine(sim, engine, row) {
   sim.reset();
   const arg = clone(row.arg);
+  if (row.throws) {
+    assert.throws(() => engine[row.method](arg), row.throws);
+    assert.deepStrictEqual(engineCalls(sim), [], 'no engine call');
+    return;
+  }
   const returned = engine[row.method](arg);
   if (row.kind === 'P') {
     const outcome = await settled(returned);
@@ -152,7 +169,7 @@ async function checkWithoutEngine(sim, engine, row) {
     assert.strictEqual(outcome.reason, arg, 'rejected with the very object given');
     assert.deepStrictEqual(await settled(engine[row.method]()), { state: 'rejected', reason: undefined });
   } else {
-    assert.strictEqual(returned, undefined);
+    assert.deepStrictEqual(returned, row.kind === 'V' ? row.neutral : undefined);
   }
   assert.deepStrictEqual(engineCalls(sim), [], 'no engine call');
 }
