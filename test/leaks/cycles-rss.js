@@ -7,7 +7,7 @@
 // one frame through them and waits for the event: an addon that kept any of them (the
 // buffer, the handler, the event function) would grow by kilobytes per cycle.
 
-const { addonModule, simModule, createEngine, CAPTURE } = require('../storm/media');
+const { addonModule, simModule, createEngine } = require('../storm/media');
 const { collect, gc } = require('./measure');
 
 const [warmUp, cycles, checkpoints] = process.argv.slice(2).map(Number);
