@@ -74,9 +74,10 @@ function scriptFrames(sim) {
 }
 
 // `threads` engine threads each sending `count` room_state_update events; roomID names the
-// thread and state counts.
-function flood(sim, count, threads = 4) {
-  return sim.burst('room_state_update', FLOOD_PAYLOAD, { count, threads, counterKey: 'state', threadKey: 'roomID' });
+// thread, state counts, and extendedData may carry a tag of the caller's.
+function flood(sim, count, threads = 4, extendedData = FLOOD_PAYLOAD.extendedData) {
+  return sim.burst('room_state_update', { ...FLOOD_PAYLOAD, extendedData },
+    { count, threads, counterKey: 'state', threadKey: 'roomID' });
 }
 
 // Captured frames from engine threads as fast as they go, copied into the capture buffer.

@@ -193,8 +193,10 @@ const scenarios = {
     },
   },
 
-  // Create/destroy cycles with events and frames in flight at each destroy. An event that
-  // belongs to an engine already destroyed must never reach script.
+  // Create/destroy cycles with events and frames in flight at each destroy. What an engine
+  // sent must reach its own callback before its DestroyEngine returns, or never: not that
+  // callback later, and not the callback of the engine created next. The events each cycle
+  // sends carry its number in extendedData to tell them apart.
   //
   // A child makes 1,000 cycles in about 3 s (release): at a quarter of the runs of the
   // others, a release storm of 100 runs still makes 25,000 cycles and stays within a few
@@ -217,31 +219,40 @@ const scenarios = {
         uninits += count(sim, 'orva_vantix_engine_uninit_async');
         sim.reset();
       };
+      const tag = (c) => `cycle-${c}`;
       let current = -1;
-      let late = 0;
-      const lateNames = new Map();
-      const lateEvent = (name, cycle) => {
-        late++;
-        const key = `${name} of cycle ${cycle} during ${current < 0 ? 'no cycle' : `cycle ${current}`}`;
-        if (lateNames.size < 5 || lateNames.has(key)) lateNames.set(key, (lateNames.get(key) || 0) + 1);
-      };
       let delivered = 0;
+      const wrong = { count: 0, examples: new Map() };
+      const misdelivered = (what) => {
+        wrong.count++;
+        if (wrong.examples.size < 5 || wrong.examples.has(what)) wrong.examples.set(what, (wrong.examples.get(what) || 0) + 1);
+      };
+      const during = () => (current < 0 ? 'between cycles' : `during cycle ${current}`);
       for (let c = 0; c < cycles; c++) {
         const cycle = c;
-        const engine = createEngine(addon, (name) => {
-          if (cycle === current) delivered++;
-          else lateEvent(name, cycle);
+        const engine = createEngine(addon, (name, payload) => {
+          if (cycle !== current) {
+            misdelivered(`${name} to the callback of destroyed engine ${cycle} ${during()}`);
+          } else if (typeof payload.extendedData === 'string' && payload.extendedData.startsWith('cycle-') &&
+                     payload.extendedData !== tag(cycle)) {
+            misdelivered(`${name} of engine ${payload.extendedData.slice(6)} to the callback of engine ${cycle}`);
+          } else {
+            delivered++;
+          }
         });
         current = cycle;
-        engine.registerEventHandler({ name: 'tsfn', func: (name) => { if (cycle !== current) lateEvent(name, cycle); } });
+        engine.registerEventHandler({
+          name: 'tsfn',
+          func: (name) => { if (cycle !== current) misdelivered(`${name} to the frame handler of destroyed engine ${cycle} ${during()}`); },
+        });
         const capture = Buffer.alloc(320 * 180 * 4);
         engine.initVideoCaptureBuffer({ render_buffer: capture, width: 320, height: 180, channel: 0 });
         // Every tenth cycle has the engine's own threads running as well: preview, login,
         // the peer's stream.
         if ((c + iteration) % 10 === 0) startMedia(engine);
-        sim.emit('room_state_update', { roomID: 'cycle', state: 1, errorCode: 0, extendedData: String(c) });
+        sim.emit('room_state_update', { roomID: 'cycle', state: 1, errorCode: 0, extendedData: tag(c) });
         sim.frame({ channel: 0 }, { width: 320, height: 180, format: 4 });
-        const burst = flood(sim, 50);
+        const burst = flood(sim, 50, 4, tag(c));
         const frames = frameFlood(sim, 5);
         // Half the cycles destroy with the floods still running, half after them.
         if ((c + iteration) % 2 === 0) await Promise.all([burst, frames]);
@@ -252,7 +263,7 @@ const scenarios = {
       }
       takeCounts();
       await sleep(50);
-      check(late === 0, `${late} events reached script after their engine was destroyed, e.g. ${JSON.stringify([...lateNames])}`);
+      check(wrong.count === 0, `${wrong.count} events reached the wrong callback, e.g. ${JSON.stringify([...wrong.examples])}`);
       check(delivered > 0, 'no event reached script at all');
       check(inits === cycles && uninits === cycles, `${cycles} cycles: ${inits} inits, ${uninits} uninits`);
     },
