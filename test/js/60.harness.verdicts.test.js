@@ -51,6 +51,14 @@ test('storm verdicts', async (t) => {
     assert.strictEqual(judge(clean({ expectedCode: 7, status: 0 })), 'exit 0, expected 7');
   });
 
+  await t.test('a finding that brought down more is reported with what followed it', () => {
+    const stderr = 'destroy-mid-burst #3: Error: both workers made an engine\n' +
+      "terminate called after throwing an instance of 'Napi::Error'\n";
+    assert.strictEqual(judge(clean({ status: null, signal: 'SIGABRT', stderr })),
+      "killed by SIGABRT: terminate called after throwing an instance of 'Napi::Error'; " +
+      'the scenario had failed: Error: both workers made an engine');
+  });
+
   await t.test('fails a missing or foreign closing line: the child did not get to exit in order', () => {
     assert.match(judge(clean({ stdout: 'OrvaVantixAddon CreateEngine\n' })), /^last line null/);
     assert.match(judge(clean({ stdout: markLine('destroy-mid-burst', 4, 0) })), /^last line .*#4/);

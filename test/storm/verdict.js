@@ -34,16 +34,17 @@ function lastMark(stdout) {
 // stderr }. Returns null for a clean run, else a one-line reason.
 function judge(result) {
   const { scenario, iteration, expectedCode, status, signal, timedOut, timeoutMs, stdout, stderr } = result;
-  if (timedOut) return `timed out after ${Math.round(timeoutMs / 1000)} s`;
+  // A scenario that found something wrong says what on standard error, before it exits
+  // (which may bring down more: that is reported too, but the finding came first).
+  const saidLine = String(stderr || '').split('\n').find((l) => l.startsWith(`${scenario} #`));
+  const said = saidLine ? saidLine.slice(saidLine.indexOf(':') + 1).trim() : null;
+  const after = said ? `; the scenario had failed: ${said}` : '';
+  if (timedOut) return `timed out after ${Math.round(timeoutMs / 1000)} s${after}`;
   const fatal = FATAL.find((re) => re.test(stderr || ''));
   const fatalLine = fatal && (String(stderr).split('\n').find((l) => fatal.test(l)) || String(fatal)).trim();
-  if (signal) return `killed by ${signal}${fatal ? `: ${fatalLine}` : ''}`;
-  if (fatal) return `exit ${status}, fatal message: ${fatalLine}`;
-  if (status !== expectedCode) {
-    // A scenario that found something wrong says what in its last line of standard error.
-    const said = String(stderr || '').split('\n').find((l) => l.startsWith(`${scenario} #`));
-    return `exit ${status}, expected ${expectedCode}${said ? `: ${said.slice(said.indexOf(':') + 1).trim()}` : ''}`;
-  }
+  if (signal) return `killed by ${signal}${fatal ? `: ${fatalLine}` : ''}${after}`;
+  if (fatal) return `exit ${status}, fatal message: ${fatalLine}${after}`;
+  if (status !== expectedCode) return `exit ${status}, expected ${expectedCode}${said ? `: ${said}` : ''}`;
   const expected = markLine(scenario, iteration, expectedCode);
   const mark = lastMark(stdout);
   if (mark !== expected) return `last line ${JSON.stringify(mark)}, expected ${JSON.stringify(expected)}`;
