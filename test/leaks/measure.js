@@ -16,7 +16,7 @@ async function collect() {
     await sleep(10);
   }
   const m = process.memoryUsage();
-  return { rss: m.rss, heapUsed: m.heapUsed, external: m.external };
+  return { rss: m.rss, heapTotal: m.heapTotal, heapUsed: m.heapUsed, external: m.external };
 }
 
 module.exports = { collect, gc, sleep };
