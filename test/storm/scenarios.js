@@ -167,20 +167,22 @@ const scenarios = {
     async run(iteration) {
       const race = iteration % 2 === 1;
       const outcomes = [];
-      // Two engines at once is wrong at once, and one of the workers would wait forever.
+      // Engines alive at once, counted by the workers around their CreateEngine and
+      // DestroyEngine: two is wrong at once, and one of the workers would wait forever.
+      const live = new SharedArrayBuffer(4);
       let twoEngines;
       const bothCreated = new Promise((_, reject) => { twoEngines = reject; });
       const onOutcome = () => {
-        if (outcomes.filter((o) => o === 'created').length === 2) {
+        if (outcomes.includes('two engines')) {
           twoEngines(new Error('both workers\' CreateEngine succeeded: two engines at once'));
         }
       };
-      const a = startWorker('share', outcomes, { hold: !race }, onOutcome);
+      const a = startWorker('share', outcomes, { hold: !race, live }, onOutcome);
       const aExit = exited(a, 'a');
       const normal = (async () => {
         // Held, a keeps its engine until told the other worker is done.
         if (!race) await until(() => outcomes.includes('created'), 'the first worker\'s engine');
-        const b = startWorker(race ? 'share' : 'guest', outcomes, {}, onOutcome);
+        const b = startWorker(race ? 'share' : 'guest', outcomes, { live }, onOutcome);
         const bCode = await exited(b, 'b');
         if (!race) a.postMessage('guest done');
         const aCode = await aExit;

@@ -62,20 +62,22 @@ const roles = {
 
   // Makes the engine if nobody holds one, floods it until every event arrived, then
   // destroys it (with `hold`, only once the main thread says so). Refused, it calls methods
-  // instead.
+  // instead. Around its engine's life it counts the engines alive in workerData.live.
   async share() {
     let events = 0;
+    const live = new Int32Array(workerData.live);
     const engine = tryCreate(() => { events++; });
     if (!engine) {
       report('refused');
       callMethods();
       return;
     }
-    report('created');
+    report(Atomics.add(live, 0, 1) === 0 ? 'created' : 'two engines');
     startMedia(engine);
     await flood(sim, 20000);
     await until(() => events >= 80000, 'the flood');
     if (workerData.hold) await new Promise((resolve) => parentPort.once('message', resolve));
+    Atomics.sub(live, 0, 1);
     addon.DestroyEngine();
   },
 
