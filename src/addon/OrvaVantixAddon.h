@@ -76,6 +76,7 @@ class OrvaVantixAddon : public Napi::Addon<OrvaVantixAddon> {
   static void cleanUpEnvironment(void* record);
 
   napi_env env_;  // the environment this addon object belongs to
+  bool cleanupHookAdded_ = false;
   ArgumentErrors errors_;
   HeldScriptValues frameBuffers_;
   std::vector<std::shared_ptr<sdk::MediaPlayer>> mediaPlayers_;

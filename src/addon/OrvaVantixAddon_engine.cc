@@ -141,8 +141,13 @@ Napi::Value OrvaVantixAddon::CreateEngine(const Napi::CallbackInfo& info) {
   const std::string sdkVersion = arg.string("SDKVersion");
 
   EngineHandlers handlers = makeEngineHandlers();
-  sdk::Engine::create(engineProfile, handlers.events);
-  std::shared_ptr<sdk::Engine> engine = sdk::Engine::instance();
+  // Another environment (a worker) may have created the engine since the check above: the
+  // engine's own creation decides, and only its creator goes on with it.
+  const int32_t created = sdk::Engine::create(engineProfile, handlers.events);
+  if (created != 0 && sdk::Engine::exists()) {
+    return throwTypeError(env, "Calling init is disallowed when engine is already initialized");
+  }
+  std::shared_ptr<sdk::Engine> engine = created == 0 ? sdk::Engine::instance() : nullptr;
   if (engine) {
     auto& center = OrvaVantixAddonDataCenter::instance();
     center.contextDestroyed.store(false);
@@ -175,9 +180,14 @@ Napi::Value OrvaVantixAddon::CreateEngine(const Napi::CallbackInfo& info) {
     engine->enableCustomVideoRender(true, renderConfig);
     sdk::EngineContext::instance().videoFrameHandler.set(handlers.videoFrames);
 
-    auto record = std::make_unique<EnvCleanupRecord>(EnvCleanupRecord{this});
-    if (napi_add_env_cleanup_hook(env, cleanUpEnvironment, record.get()) == napi_ok) {
-      record.release();  // freed by the hook
+    // One hook per environment, added with its first engine: the hook tears down whichever
+    // engine this environment owns when it goes, so later engines need no hook of their own.
+    if (!cleanupHookAdded_) {
+      auto record = std::make_unique<EnvCleanupRecord>(EnvCleanupRecord{this});
+      if (napi_add_env_cleanup_hook(env, cleanUpEnvironment, record.get()) == napi_ok) {
+        record.release();  // freed by the hook
+        cleanupHookAdded_ = true;
+      }
     }
   }
   return newInstance(ScriptClass::EngineWrapper);
@@ -218,6 +228,7 @@ void OrvaVantixAddon::tearDownEngine() {
 
   auto& center = OrvaVantixAddonDataCenter::instance();
   center.contextDestroyed.store(true);
+  center.countEngineTeardown();  // the engine no longer calls back: what it sent is stale
   center.releaseEngineEventFunction(handle);
   resetEngineHandlerState();
   frameBuffers_.releaseAll();  // the renderer no longer writes into any of them

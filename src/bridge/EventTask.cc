@@ -62,7 +62,9 @@ void Payload::setElement(napi_value array, uint32_t index, napi_value value) con
 }
 
 void EventTask::operator()(Napi::Env env, Napi::Function callback) {
-  if (OrvaVantixAddonDataCenter::instance().checkContextDestroy("operator ()")) return;
+  if (OrvaVantixAddonDataCenter::instance().checkContextDestroy("operator ()", sentAfterTeardowns_)) {
+    return;
+  }
   run(env, callback);
 }
 

@@ -124,8 +124,15 @@ class EventTask {
   virtual ~EventTask() = default;
   void operator()(Napi::Env env, Napi::Function callback);
 
+  // The data center's count of engine teardowns when the task was sent: a task of an engine
+  // that is gone drops itself even after a new engine has come up.
+  void stampTeardowns(uint64_t teardowns) { sentAfterTeardowns_ = teardowns; }
+
  protected:
   virtual void run(Napi::Env env, Napi::Function callback) = 0;
+
+ private:
+  uint64_t sentAfterTeardowns_ = 0;
 };
 
 // Calls callback(name, payload) with an undefined receiver. A script exception thrown by

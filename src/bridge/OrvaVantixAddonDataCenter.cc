@@ -154,6 +154,7 @@ void OrvaVantixAddonDataCenter::post(Job job) { worker_.post(std::move(job)); }
 
 void OrvaVantixAddonDataCenter::sendToEngine(std::unique_ptr<EventTask> task,
                                              const char* failureLine) {
+  task->stampTeardowns(engineTeardowns());
   worker_.post([this, task = std::move(task), failureLine]() mutable {
     deliverToEngine(std::move(task), failureLine);
   });
@@ -161,6 +162,7 @@ void OrvaVantixAddonDataCenter::sendToEngine(std::unique_ptr<EventTask> task,
 
 void OrvaVantixAddonDataCenter::sendByName(std::string name, std::unique_ptr<EventTask> task,
                                            const char* failureLine) {
+  task->stampTeardowns(engineTeardowns());
   worker_.post([this, name = std::move(name), task = std::move(task), failureLine]() mutable {
     deliverByName(name, std::move(task), failureLine);
   });
@@ -204,8 +206,11 @@ void OrvaVantixAddonDataCenter::deliverByName(const std::string& name,
 
 // ---- guard and alerts -----------------------------------------------------------------
 
-bool OrvaVantixAddonDataCenter::checkContextDestroy(const char* funcName) const {
-  if (!contextDestroyed.load(std::memory_order_acquire)) return false;
+bool OrvaVantixAddonDataCenter::checkContextDestroy(const char* funcName,
+                                                    uint64_t sentAfterTeardowns) const {
+  const bool gone = contextDestroyed.load(std::memory_order_acquire) ||
+                    sentAfterTeardowns != engineTeardowns();
+  if (!gone) return false;
   logToConsole("checkContextDestroy, %s", funcName);
   return true;
 }

@@ -61,6 +61,12 @@ class OrvaVantixAddonDataCenter {
   // 1 selects the Chinese alert texts, anything else English.
   std::atomic<int32_t> alertLanguage{0};
 
+  // Counts engine teardowns. Tasks are stamped with the count when they are sent; engine
+  // teardown bumps it (once the engine has stopped calling back), so everything sent before
+  // drops itself, whatever engine exists when it reaches the script thread.
+  uint64_t engineTeardowns() const { return engineTeardowns_.load(std::memory_order_acquire); }
+  void countEngineTeardown() { engineTeardowns_.fetch_add(1, std::memory_order_acq_rel); }
+
   // ---- event functions (script thread)
   // Creates the engine's event function for `callback` and stores it under `engine`, which
   // becomes the current engine. Throws Napi::Error, storing nothing, if creation fails.
@@ -91,8 +97,11 @@ class OrvaVantixAddonDataCenter {
 
   // ---- the script-thread guard
   // True when the engine context is destroyed: writes "checkContextDestroy, <funcName>"
-  // through logToConsole, and the caller returns without touching script.
-  bool checkContextDestroy(const char* funcName) const;
+  // through logToConsole, and the caller returns without touching script. A task sent before
+  // a teardown (`sentAfterTeardowns`, its stamp) finds the context destroyed also once another
+  // engine has taken its place: the flag alone would let an event queued before DestroyEngine
+  // through after the next CreateEngine cleared it.
+  bool checkContextDestroy(const char* funcName, uint64_t sentAfterTeardowns) const;
 
   // ---- debug alerts (any thread)
   // "onDebugError" with the alert texts; always sent.
@@ -129,6 +138,8 @@ class OrvaVantixAddonDataCenter {
   };
   std::mutex namedMutex_;
   std::map<std::string, NamedFunction> namedEventFunctions_;
+
+  std::atomic<uint64_t> engineTeardowns_{0};
 
   DispatchWorker worker_;
 };

@@ -97,3 +97,37 @@ test('terminating a worker while engine events flow leaves the process intact', 
   assert.strictEqual(r.status, 0, r.stderr.slice(-2000));
   assert.match(r.stdout, /^survived$/m);
 });
+
+// An event still on its way when its engine is destroyed belongs to no engine: neither the
+// old callback nor the next engine's may see it, however soon the next engine comes up.
+test('events sent before DestroyEngine never reach script, even with a new engine up', async () => {
+  const addon = loadAddon();
+  const sim = loadSim();
+  const late = [];
+  for (let round = 0; round < 20; round++) {
+    let destroyed = false;
+    addon.CreateEngine({ profile: { appID: 1, scenario: 0 }, SDKVersion: 'o', electronVersion: 'o',
+      tsfn: (name, p) => { if (destroyed && name === 'onRoomStateUpdate') late.push(['old', round]); } });
+    sim.emit('room_state_update', { roomID: `old-${round}`, state: 1 });
+    addon.DestroyEngine();
+    destroyed = true;
+    addon.CreateEngine({ profile: { appID: 1, scenario: 0 }, SDKVersion: 'n', electronVersion: 'n',
+      tsfn: (name, p) => { if (p && String(p.roomID).startsWith('old-')) late.push(['new', round]); } });
+    await sleep(20);
+    addon.DestroyEngine();
+  }
+  assert.deepStrictEqual(late, []);
+});
+
+test('one environment cleanup hook however many engines an environment creates', () => {
+  const r = runNode(`
+    const addon = require(${JSON.stringify(addonModule)});
+    const P = { profile: { appID: 1, scenario: 0 }, tsfn: () => {}, SDKVersion: 'x', electronVersion: 'x' };
+    for (let i = 0; i < 50; i++) { addon.CreateEngine(P); addon.DestroyEngine(); }
+    // The debug assistant makes the hook's line visible; it is off after CreateEngine.
+    addon.CreateEngine(P).enableDebugAssistant({ enable: true });
+    addon.DestroyEngine();
+  `);
+  assert.strictEqual(r.status, 0, r.stderr);
+  assert.strictEqual(countLines(r.stdout, 'clean vantix electron env!'), 1, r.stdout.slice(-500));
+});

@@ -206,19 +206,30 @@ class BurstWorker final : public Napi::AsyncWorker {
     error_ = take(api_, error);
   }
 
+  // A burst may end while its environment is going away (a terminated worker, process exit):
+  // settling the promise then fails, and an exception leaving OnOK/OnError would end the
+  // process. Nothing is left to tell, so the failure is dropped.
   void OnOK() override {
-    Napi::Env env = Env();
-    if (rc_ < 0) {
-      deferred_.Reject(Napi::TypeError::New(env, error_).Value());
-      return;
+    try {
+      Napi::Env env = Env();
+      if (rc_ < 0) {
+        deferred_.Reject(Napi::TypeError::New(env, error_).Value());
+        return;
+      }
+      Napi::Object result = Napi::Object::New(env);
+      result.Set("calls", Napi::Number::New(env, static_cast<double>(calls_)));
+      result.Set("seconds", Napi::Number::New(env, seconds_));
+      deferred_.Resolve(result);
+    } catch (...) {
     }
-    Napi::Object result = Napi::Object::New(env);
-    result.Set("calls", Napi::Number::New(env, static_cast<double>(calls_)));
-    result.Set("seconds", Napi::Number::New(env, seconds_));
-    deferred_.Resolve(result);
   }
 
-  void OnError(const Napi::Error& e) override { deferred_.Reject(e.Value()); }
+  void OnError(const Napi::Error& e) override {
+    try {
+      deferred_.Reject(e.Value());
+    } catch (...) {
+    }
+  }
 
  private:
   Napi::Promise::Deferred deferred_;
