@@ -179,6 +179,11 @@ OptionalKeys& OptionalKeys::int32(const char* key, int32_t& field, const char* m
   return *this;
 }
 
+OptionalKeys& OptionalKeys::uint32(const char* key, uint32_t& field, const char* message) {
+  if (take(key, ArgType::Number, message)) field = truncatedUint32(object_, key);
+  return *this;
+}
+
 OptionalKeys& OptionalKeys::boolean(const char* key, bool& field, const char* message) {
   if (take(key, ArgType::Boolean, message)) field = object_.boolean(key);
   return *this;
