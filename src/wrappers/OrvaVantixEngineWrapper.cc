@@ -20,8 +20,8 @@ using W = OrvaVantixEngineWrapper;
 
 // The method table in its published order (the script class lists its methods in this
 // order). Each feature family joins by inserting its rows in their places; the families not
-// yet here (mixer tasks, devices and audio processing, messaging and utilities, the
-// experimental API, native plugins) are marked where their rows go.
+// yet here (mixer tasks, devices and audio processing, the experimental API, native plugins)
+// are marked where their rows go.
 const W::MethodRow W::kMethodTable[] = {
     {"uploadLog", &W::uploadLog},
     {"enableDebugAssistant", &W::enableDebugAssistant},
@@ -72,27 +72,49 @@ const W::MethodRow W::kMethodTable[] = {
     {"setPublishStreamEncryptionKey", &W::setPublishStreamEncryptionKey},
     {"setPlayStreamDecryptionKey", &W::setPlayStreamDecryptionKey},
     {"setPlayStreamFocusOn", &W::setPlayStreamFocusOn},
-    // 52 getNetworkTimeInfo (messaging and utilities)
-    // 53-97 devices and audio processing, messaging and utilities, from muteMicrophone to
-    //       enableTransientANS
-    // 98-105 messaging and utilities and native plugins, from enableVideoObjectSegmentation
-    //        to setCustomVideoProcessCutRegion
+    {"getNetworkTimeInfo", &W::getNetworkTimeInfo},
+    // 53-89 devices and audio processing, from muteMicrophone to setAudioEqualizerGain
+    {"sendBroadcastMessage", &W::sendBroadcastMessage},
+    {"sendBarrageMessage", &W::sendBarrageMessage},
+    {"sendCustomCommand", &W::sendCustomCommand},
+    {"startRecordingCapturedData", &W::startRecordingCapturedData},
+    {"stopRecordingCapturedData", &W::stopRecordingCapturedData},
+    // 95 getDefaultAudioDeviceID, 96 getDefaultVideoDeviceID, 97 enableTransientANS (devices
+    //    and audio processing)
+    {"enableVideoObjectSegmentation", &W::enableVideoObjectSegmentation},
+    {"enableAlphaChannelVideoEncoder", &W::enableAlphaChannelVideoEncoder},
+    {"enableCustomVideoCapture", &W::enableCustomVideoCapture},
+    // 101 registerCustomVideoCapturePlugin, 102 unregisterCustomVideoCapturePlugin (plugins)
+    {"enableCustomVideoProcessing", &W::enableCustomVideoProcessing},
+    // 104 registerCustomVideoProcessPlugin, 105 setCustomVideoProcessCutRegion (plugins)
     {"setTrafficControlFocusOn", &W::setTrafficControlFocusOn},
     {"setPlayStreamVideoType", &W::setPlayStreamVideoType},
-    // 108 setDummyCaptureImagePath ... 114 setReverbEchoParam
+    {"setDummyCaptureImagePath", &W::setDummyCaptureImagePath},
+    // 109 enableCameraVideoDataCapturePlugin, 110 getCameraVideoDataCapturePlugin (plugins)
+    {"setCustomVideoCaptureFillMode", &W::setCustomVideoCaptureFillMode},
+    // 112 setReverbPreset, 113 setVoiceChangerPreset, 114 setReverbEchoParam (devices and
+    //     audio processing)
     {"setSEIConfig", &W::setSEIConfig},
-    // 116 setReverbAdvancedParam, 117 startNetworkSpeedTest, 118 stopNetworkSpeedTest
+    // 116 setReverbAdvancedParam (devices and audio processing)
+    {"startNetworkSpeedTest", &W::startNetworkSpeedTest},
+    {"stopNetworkSpeedTest", &W::stopNetworkSpeedTest},
     {"takePublishStreamSnapshot", &W::takePublishStreamSnapshot},
     {"takePlayStreamSnapshot", &W::takePlayStreamSnapshot},
-    // 121 callExperimentalAPI ... 124 enableCustomAudioCaptureProcessingAfterHeadphoneMonitor
+    // 121 callExperimentalAPI (experimental API)
+    // 122 startSoundLevelMonitorWithConfig (devices and audio processing)
+    {"enableCustomAudioCaptureProcessing", &W::enableCustomAudioCaptureProcessing},
+    {"enableCustomAudioCaptureProcessingAfterHeadphoneMonitor",
+     &W::enableCustomAudioCaptureProcessingAfterHeadphoneMonitor},
     {"renewToken", &W::renewToken},
-    // 126 registerCustomAudioProcessPlugin, 127 unregisterCustomAudioProcessPlugin
+    // 126 registerCustomAudioProcessPlugin, 127 unregisterCustomAudioProcessPlugin (plugins)
     {"setPlayStreamBufferIntervalRange", &W::setPlayStreamBufferIntervalRange},
-    // 129 setCustomVideoCaptureRegionOfInterest ... 132 unregisterCustomAudioCapturePlugin
+    {"setCustomVideoCaptureRegionOfInterest", &W::setCustomVideoCaptureRegionOfInterest},
+    {"enableCustomAudioIO", &W::enableCustomAudioIO},
+    // 131 registerCustomAudioCapturePlugin, 132 unregisterCustomAudioCapturePlugin (plugins)
     {"setVideoSource", &W::setVideoSource},
     {"setAudioSource", &W::setAudioSource},
     {"setAudioSourceWithConfig", &W::setAudioSourceWithConfig},
-    // 136 getScreenCaptureSources (messaging and utilities)
+    {"getScreenCaptureSources", &W::getScreenCaptureSources},
     {"setRoomScenario", &W::setRoomScenario},
     {"registerEventHandler", &W::registerEventHandler},
     {"initVideoCaptureBuffer", &W::initVideoCaptureBuffer},

@@ -7,6 +7,8 @@
 //   OrvaVantixEngineWrapper_room.cc     rooms
 //   OrvaVantixEngineWrapper_publish.cc  preview, publishing, encoder settings, snapshots
 //   OrvaVantixEngineWrapper_play.cc     playing remote streams
+//   OrvaVantixEngineWrapper_messaging.cc  room messages, recording, network, custom
+//                                       capture and processing switches, screen sources
 //   OrvaVantixEngineWrapper_frame.cc    the frame buffers script registers for rendering
 // Every method is written in the common shape of OrvaVantixEngineWrapper_shape.h.
 //
@@ -104,6 +106,27 @@ class OrvaVantixEngineWrapper : public Napi::ObjectWrap<OrvaVantixEngineWrapper>
   Napi::Value setPlayStreamVideoType(const Napi::CallbackInfo& info);
   Napi::Value setPlayStreamBufferIntervalRange(const Napi::CallbackInfo& info);
   Napi::Value takePlayStreamSnapshot(const Napi::CallbackInfo& info);
+
+  // ---- messaging and utilities (OrvaVantixEngineWrapper_messaging.cc)
+  Napi::Value getNetworkTimeInfo(const Napi::CallbackInfo& info);
+  Napi::Value sendBroadcastMessage(const Napi::CallbackInfo& info);
+  Napi::Value sendBarrageMessage(const Napi::CallbackInfo& info);
+  Napi::Value sendCustomCommand(const Napi::CallbackInfo& info);
+  Napi::Value startRecordingCapturedData(const Napi::CallbackInfo& info);
+  Napi::Value stopRecordingCapturedData(const Napi::CallbackInfo& info);
+  Napi::Value enableVideoObjectSegmentation(const Napi::CallbackInfo& info);
+  Napi::Value enableAlphaChannelVideoEncoder(const Napi::CallbackInfo& info);
+  Napi::Value enableCustomVideoCapture(const Napi::CallbackInfo& info);
+  Napi::Value enableCustomVideoProcessing(const Napi::CallbackInfo& info);
+  Napi::Value setDummyCaptureImagePath(const Napi::CallbackInfo& info);
+  Napi::Value setCustomVideoCaptureFillMode(const Napi::CallbackInfo& info);
+  Napi::Value startNetworkSpeedTest(const Napi::CallbackInfo& info);
+  Napi::Value stopNetworkSpeedTest(const Napi::CallbackInfo& info);
+  Napi::Value enableCustomAudioCaptureProcessing(const Napi::CallbackInfo& info);
+  Napi::Value enableCustomAudioCaptureProcessingAfterHeadphoneMonitor(const Napi::CallbackInfo& info);
+  Napi::Value setCustomVideoCaptureRegionOfInterest(const Napi::CallbackInfo& info);
+  Napi::Value enableCustomAudioIO(const Napi::CallbackInfo& info);
+  Napi::Value getScreenCaptureSources(const Napi::CallbackInfo& info);
 
   // ---- frame buffers for rendering (OrvaVantixEngineWrapper_frame.cc)
   Napi::Value initVideoCaptureBuffer(const Napi::CallbackInfo& info);
