@@ -20,8 +20,8 @@ using W = OrvaVantixEngineWrapper;
 
 // The method table in its published order (the script class lists its methods in this
 // order). Each feature family joins by inserting its rows in their places; the families not
-// yet here (mixer tasks, devices and audio processing, the experimental API, native plugins)
-// are marked where their rows go.
+// yet here (mixer tasks, devices and audio processing, native plugins) are marked where their
+// rows go.
 const W::MethodRow W::kMethodTable[] = {
     {"uploadLog", &W::uploadLog},
     {"enableDebugAssistant", &W::enableDebugAssistant},
@@ -100,7 +100,7 @@ const W::MethodRow W::kMethodTable[] = {
     {"stopNetworkSpeedTest", &W::stopNetworkSpeedTest},
     {"takePublishStreamSnapshot", &W::takePublishStreamSnapshot},
     {"takePlayStreamSnapshot", &W::takePlayStreamSnapshot},
-    // 121 callExperimentalAPI (experimental API)
+    {"callExperimentalAPI", &W::callExperimentalAPI},
     // 122 startSoundLevelMonitorWithConfig (devices and audio processing)
     {"enableCustomAudioCaptureProcessing", &W::enableCustomAudioCaptureProcessing},
     {"enableCustomAudioCaptureProcessingAfterHeadphoneMonitor",

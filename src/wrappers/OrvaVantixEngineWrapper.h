@@ -9,6 +9,7 @@
 //   OrvaVantixEngineWrapper_play.cc     playing remote streams
 //   OrvaVantixEngineWrapper_messaging.cc  room messages, recording, network, custom
 //                                       capture and processing switches, screen sources
+//   OrvaVantixEngineWrapper_experimental.cc  the experimental API
 //   OrvaVantixEngineWrapper_frame.cc    the frame buffers script registers for rendering
 // Every method is written in the common shape of OrvaVantixEngineWrapper_shape.h.
 //
@@ -127,6 +128,9 @@ class OrvaVantixEngineWrapper : public Napi::ObjectWrap<OrvaVantixEngineWrapper>
   Napi::Value setCustomVideoCaptureRegionOfInterest(const Napi::CallbackInfo& info);
   Napi::Value enableCustomAudioIO(const Napi::CallbackInfo& info);
   Napi::Value getScreenCaptureSources(const Napi::CallbackInfo& info);
+
+  // ---- experimental API (OrvaVantixEngineWrapper_experimental.cc)
+  Napi::Value callExperimentalAPI(const Napi::CallbackInfo& info);
 
   // ---- frame buffers for rendering (OrvaVantixEngineWrapper_frame.cc)
   Napi::Value initVideoCaptureBuffer(const Napi::CallbackInfo& info);
