@@ -37,6 +37,17 @@ add_library(orva_stb INTERFACE)
 add_library(orva::stb ALIAS orva_stb)
 target_include_directories(orva_stb SYSTEM INTERFACE "${_stb_dir}")
 
+# zlib: the deflate behind PNG thumbnails and icons (stb_image_write's own is several times
+# slower). Linked statically on Windows, so the addon needs no zlib1.dll beside it; a cross
+# build finds MinGW's copy (Debian: libz-mingw-w64-dev) through the toolchain's root path.
+if(WIN32)
+  set(ZLIB_USE_STATIC_LIBS ON)
+endif()
+find_package(ZLIB)
+if(NOT ZLIB_FOUND)
+  message(FATAL_ERROR "zlib not found: install zlib1g-dev, or libz-mingw-w64-dev for the Windows build (scripts/setup.sh)")
+endif()
+
 # JPEG encoding: libjpeg-turbo's TurboJPEG API on Linux, GDI+ on Windows.
 add_library(orva_jpeg INTERFACE)
 add_library(orva::jpeg ALIAS orva_jpeg)

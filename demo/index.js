@@ -11,15 +11,17 @@
 //  6. play that stream back and save a received frame as a PNG picture
 //  7. take a snapshot of the published stream and save the JPEG
 //  8. set room extra information through a promise
-//  9. make a deliberate mistake and read the "onDebugError" alert script receives
-// 10. stop everything, log out and destroy the engine
+//  9. list the screens and windows to capture, saving one thumbnail as a PNG picture
+// 10. send a broadcast message to the room through a promise
+// 11. make a deliberate mistake and read the "onDebugError" alert script receives
+// 12. stop everything, log out and destroy the engine
 // The pictures land in demo/output/.
 
 const path = require('path');
 const addon = require('..');
 const { version } = require('../package.json');
 const { EventLog } = require('./events');
-const { OUTPUT, saveFrameAsPng, saveBase64Jpeg } = require('./pictures');
+const { OUTPUT, saveFrameAsPng, saveBase64File } = require('./pictures');
 
 const ROOM = 'demo-room';
 const STREAM = 'demo-stream';
@@ -120,12 +122,28 @@ async function tour() {
 
   step('takePublishStreamSnapshot: a promise of { errorCode, image } with a Base64 JPEG');
   const snapshot = await engine.takePublishStreamSnapshot({ channel: MAIN_CHANNEL });
-  const snapshotFile = saveBase64Jpeg('publish-snapshot.jpg', snapshot.image);
+  const snapshotFile = saveBase64File('publish-snapshot.jpg', snapshot.image);
   console.log(`errorCode ${snapshot.errorCode}, ${snapshot.image.length} characters of JPEG saved: ${shown(snapshotFile)}`);
 
   step('setRoomExtraInfo: a promise settled by the engine\'s answer');
   const extra = await engine.setRoomExtraInfo({ roomID: ROOM, key: 'topic', value: 'a tour of the addon' });
   console.log(`setRoomExtraInfo -> ${JSON.stringify(extra)}`);
+
+  step('getScreenCaptureSources: a promise of the capturable screens and windows, with PNG thumbnails');
+  const sources = await engine.getScreenCaptureSources({ thumbnailWidth: 320, thumbnailHeight: 180, iconWidth: 32, iconHeight: 32 });
+  for (const s of sources) {
+    console.log(`  ${s.sourceType === 2 ? 'screen' : 'window'} ${s.sourceID} "${s.sourceName}": ` +
+      `thumbnail ${s.thumbnailImage.width} x ${s.thumbnailImage.height}, icon ${s.iconImage.width} x ${s.iconImage.height}`);
+  }
+  const thumbnailFile = saveBase64File('source-thumbnail.png', sources[0].thumbnailImage.buffer);
+  console.log(`thumbnail of "${sources[0].sourceName}" saved: ${shown(thumbnailFile)}`);
+
+  step('sendBroadcastMessage: a promise of { errorCode, messageID }; the room hears it too');
+  const heard = engineEvents.next('onIMRecvBroadcastMessage', (p) => p.roomID === ROOM);
+  const sent = await engine.sendBroadcastMessage({ roomID: ROOM, message: 'hello from the tour' });
+  console.log(`sendBroadcastMessage -> ${JSON.stringify(sent)}`);
+  const { messageList } = await heard;
+  console.log(`onIMRecvBroadcastMessage: "${messageList[0].message}" from ${messageList[0].fromUser.userID}`);
 
   step('a deliberate mistake: setPlayVolume without its "volume"');
   const alert = engineEvents.next('onDebugError');
@@ -151,7 +169,7 @@ async function tour() {
   // With the engine's event functions released, nothing keeps the process alive.
 
   step(`pictures in ${shown(OUTPUT)}/`);
-  for (const file of [capturedFile, remoteFile, snapshotFile]) console.log(`  ${path.basename(file)}`);
+  for (const file of [capturedFile, remoteFile, snapshotFile, thumbnailFile]) console.log(`  ${path.basename(file)}`);
 }
 
 tour().catch((error) => {

@@ -1,6 +1,7 @@
 'use strict';
 // Saving what the tour sees: raw frames (R, G, B, A bytes, rows top-down, as the addon copies
-// them into a registered Buffer) as PNG pictures, snapshots (Base64 JPEG text) as JPEG files.
+// them into a registered Buffer) as PNG pictures; snapshots (Base64 JPEG text) and capture
+// source thumbnails (Base64 PNG text) as the files they encode.
 
 const fs = require('fs');
 const path = require('path');
@@ -22,10 +23,10 @@ function saveFrameAsPng(name, pixels, width, height) {
   return file;
 }
 
-function saveBase64Jpeg(name, base64) {
+function saveBase64File(name, base64) {
   const file = outputPath(name);
   fs.writeFileSync(file, Buffer.from(base64, 'base64'));
   return file;
 }
 
-module.exports = { OUTPUT, saveFrameAsPng, saveBase64Jpeg };
+module.exports = { OUTPUT, saveFrameAsPng, saveBase64File };

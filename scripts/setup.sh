@@ -18,13 +18,14 @@ packages=(
   cmake ninja-build g++          # build (CMakePresets.json uses Ninja)
   rapidjson-dev                  # JSON in the simulated engine and the addon
   libstb-dev                     # PNG encoding (stb_image_write)
+  zlib1g-dev                     # PNG compression (zlib behind stb_image_write)
   libturbojpeg0-dev              # JPEG encoding on Linux
   libyuv-dev                     # optional pixel conversion, used when present
   googletest libgtest-dev        # native tests
 )
 if ((windows)); then
   # The posix thread variant: the win32 one has no std::mutex/std::thread.
-  packages+=(g++-mingw-w64-x86-64-posix wine64)
+  packages+=(g++-mingw-w64-x86-64-posix wine64 libz-mingw-w64-dev)
 fi
 command -v node >/dev/null || packages+=(nodejs)
 command -v npm >/dev/null || packages+=(npm)

@@ -1334,6 +1334,9 @@ ORVA_API int32_t ORVA_CALL orva_vantix_set_custom_video_capture_region_of_intere
 ORVA_API int32_t ORVA_CALL orva_vantix_enable_custom_audio_capture_processing(bool enable, const orva_custom_audio_processing_config* config);
 ORVA_API int32_t ORVA_CALL orva_vantix_enable_custom_audio_capture_processing_after_headphone_monitor(bool enable, const orva_custom_audio_processing_config* config);
 ORVA_API int32_t ORVA_CALL orva_vantix_enable_custom_audio_io(bool enable, const orva_custom_audio_config* config, int32_t channel);
+/* 16-bit PCM for `channel` while its custom audio input is on (enable_custom_audio_io); the
+ * engine copies the data before returning. */
+ORVA_API int32_t ORVA_CALL orva_vantix_send_custom_audio_capture_pcm_data(const uint8_t* data, uint32_t dataLength, const orva_audio_frame_param* param, int32_t channel);
 
 /* ---------------------------------------------------------------------------------------
  * Experimental API

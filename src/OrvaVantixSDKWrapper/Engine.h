@@ -31,6 +31,7 @@ class MediaPlayer;
 class AudioEffectPlayer;
 class ScreenCaptureSource;
 class CopyrightedMusic;
+struct EncodedScreenCaptureSource;  // ScreenCaptureSources.h
 
 // Callback names in the order engine creation registers them, and the names engine
 // destruction clears (those it keeps registered are missing; two never registered are in).
@@ -66,6 +67,12 @@ class Engine {
   int32_t destroyScreenCaptureSource(const std::shared_ptr<ScreenCaptureSource>& source);
   std::shared_ptr<CopyrightedMusic> createCopyrightedMusic();
   int32_t destroyCopyrightedMusic(const std::shared_ptr<CopyrightedMusic>& music);
+
+  // orva_vantix_get_screen_capture_sources with each thumbnail and icon encoded as PNG
+  // (Base64) straight from the engine's pixels, then the list released. Empty when the
+  // engine lists nothing or the library is not loaded (ScreenCaptureSources.cc).
+  std::vector<EncodedScreenCaptureSource> getEncodedScreenCaptureSources(
+      int32_t thumbnailWidth, int32_t thumbnailHeight, int32_t iconWidth, int32_t iconHeight);
 
 #include "engine_calls.inc"
 

@@ -209,6 +209,15 @@ bool MethodCall::check(const ArgObject& object, std::string_view objectName,
   return check(object, objectName, rules.data(), rules.size());
 }
 
+bool MethodCall::checkElements(const char* key, std::initializer_list<ArgumentRule> rules) {
+  const Napi::Array array = args_.get(key).As<Napi::Array>();
+  const uint32_t length = array.Length();
+  for (uint32_t i = 0; i < length; ++i) {
+    if (!check(ArgObject(env(), array.Get(i)), key, rules)) return false;
+  }
+  return true;
+}
+
 bool MethodCall::fail(std::string message) {
   errors_.message = std::move(message);
   return reportFailure();

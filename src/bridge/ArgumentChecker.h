@@ -171,6 +171,10 @@ class MethodCall {
   bool check(const ArgObject& object, std::string_view objectName,
              std::initializer_list<ArgumentRule> rules);
   bool check(const ArgObject& object, std::string_view objectName, const ArgumentSpec& rules);
+  // Checks each element of the array under `key` of the argument object (after the key
+  // itself passed as "Array"), in order, each named by that key ("param toUserList.userName
+  // missing"); the first failing element decides.
+  bool checkElements(const char* key, std::initializer_list<ArgumentRule> rules);
   // A failure with the method's own message: stored, then reported like a failed check.
   // Always false.
   bool fail(std::string message);

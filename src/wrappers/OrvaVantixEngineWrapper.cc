@@ -20,8 +20,7 @@ using W = OrvaVantixEngineWrapper;
 
 // The method table in its published order (the script class lists its methods in this
 // order). Each feature family joins by inserting its rows in their places; the families not
-// yet here (messaging and utilities, the experimental API, native plugins) are marked where
-// their rows go.
+// yet here (native plugins) are marked where their rows go.
 const W::MethodRow W::kMethodTable[] = {
     {"uploadLog", &W::uploadLog},
     {"enableDebugAssistant", &W::enableDebugAssistant},
@@ -74,7 +73,7 @@ const W::MethodRow W::kMethodTable[] = {
     {"setPublishStreamEncryptionKey", &W::setPublishStreamEncryptionKey},
     {"setPlayStreamDecryptionKey", &W::setPlayStreamDecryptionKey},
     {"setPlayStreamFocusOn", &W::setPlayStreamFocusOn},
-    // 52 getNetworkTimeInfo (messaging and utilities)
+    {"getNetworkTimeInfo", &W::getNetworkTimeInfo},
     {"muteMicrophone", &W::muteMicrophone},
     {"isMicrophoneMuted", &W::isMicrophoneMuted},
     {"muteSpeaker", &W::muteSpeaker},
@@ -112,36 +111,49 @@ const W::MethodRow W::kMethodTable[] = {
     {"setVoiceChangerParam", &W::setVoiceChangerParam},
     {"enableVirtualStereo", &W::enableVirtualStereo},
     {"setAudioEqualizerGain", &W::setAudioEqualizerGain},
-    // 90 sendBroadcastMessage ... 94 stopRecordingCapturedData (messaging and utilities)
+    {"sendBroadcastMessage", &W::sendBroadcastMessage},
+    {"sendBarrageMessage", &W::sendBarrageMessage},
+    {"sendCustomCommand", &W::sendCustomCommand},
+    {"startRecordingCapturedData", &W::startRecordingCapturedData},
+    {"stopRecordingCapturedData", &W::stopRecordingCapturedData},
     {"getDefaultAudioDeviceID", &W::getDefaultAudioDeviceID},
     {"getDefaultVideoDeviceID", &W::getDefaultVideoDeviceID},
     {"enableTransientANS", &W::enableTransientANS},
-    // 98-105 messaging and utilities and native plugins, from enableVideoObjectSegmentation
-    //        to setCustomVideoProcessCutRegion
+    {"enableVideoObjectSegmentation", &W::enableVideoObjectSegmentation},
+    {"enableAlphaChannelVideoEncoder", &W::enableAlphaChannelVideoEncoder},
+    {"enableCustomVideoCapture", &W::enableCustomVideoCapture},
+    // 101 registerCustomVideoCapturePlugin, 102 unregisterCustomVideoCapturePlugin (native plugins)
+    {"enableCustomVideoProcessing", &W::enableCustomVideoProcessing},
+    // 104 registerCustomVideoProcessPlugin, 105 setCustomVideoProcessCutRegion (native plugins)
     {"setTrafficControlFocusOn", &W::setTrafficControlFocusOn},
     {"setPlayStreamVideoType", &W::setPlayStreamVideoType},
-    // 108 setDummyCaptureImagePath ... 111 setCustomVideoCaptureFillMode (messaging and
-    //     utilities, native plugins)
+    {"setDummyCaptureImagePath", &W::setDummyCaptureImagePath},
+    // 109 enableCameraVideoDataCapturePlugin, 110 getCameraVideoDataCapturePlugin (native plugins)
+    {"setCustomVideoCaptureFillMode", &W::setCustomVideoCaptureFillMode},
     {"setReverbPreset", &W::setReverbPreset},
     {"setVoiceChangerPreset", &W::setVoiceChangerPreset},
     {"setReverbEchoParam", &W::setReverbEchoParam},
     {"setSEIConfig", &W::setSEIConfig},
     {"setReverbAdvancedParam", &W::setReverbAdvancedParam},
-    // 117 startNetworkSpeedTest, 118 stopNetworkSpeedTest (messaging and utilities)
+    {"startNetworkSpeedTest", &W::startNetworkSpeedTest},
+    {"stopNetworkSpeedTest", &W::stopNetworkSpeedTest},
     {"takePublishStreamSnapshot", &W::takePublishStreamSnapshot},
     {"takePlayStreamSnapshot", &W::takePlayStreamSnapshot},
-    // 121 callExperimentalAPI (experimental API)
+    {"callExperimentalAPI", &W::callExperimentalAPI},
     {"startSoundLevelMonitorWithConfig", &W::startSoundLevelMonitorWithConfig},
-    // 123 enableCustomAudioCaptureProcessing, 124 enableCustomAudioCaptureProcessingAfter-
-    //     HeadphoneMonitor (messaging and utilities)
+    {"enableCustomAudioCaptureProcessing", &W::enableCustomAudioCaptureProcessing},
+    {"enableCustomAudioCaptureProcessingAfterHeadphoneMonitor",
+     &W::enableCustomAudioCaptureProcessingAfterHeadphoneMonitor},
     {"renewToken", &W::renewToken},
-    // 126 registerCustomAudioProcessPlugin, 127 unregisterCustomAudioProcessPlugin
+    // 126 registerCustomAudioProcessPlugin, 127 unregisterCustomAudioProcessPlugin (native plugins)
     {"setPlayStreamBufferIntervalRange", &W::setPlayStreamBufferIntervalRange},
-    // 129 setCustomVideoCaptureRegionOfInterest ... 132 unregisterCustomAudioCapturePlugin
+    {"setCustomVideoCaptureRegionOfInterest", &W::setCustomVideoCaptureRegionOfInterest},
+    {"enableCustomAudioIO", &W::enableCustomAudioIO},
+    // 131 registerCustomAudioCapturePlugin, 132 unregisterCustomAudioCapturePlugin (native plugins)
     {"setVideoSource", &W::setVideoSource},
     {"setAudioSource", &W::setAudioSource},
     {"setAudioSourceWithConfig", &W::setAudioSourceWithConfig},
-    // 136 getScreenCaptureSources (messaging and utilities)
+    {"getScreenCaptureSources", &W::getScreenCaptureSources},
     {"setRoomScenario", &W::setRoomScenario},
     {"registerEventHandler", &W::registerEventHandler},
     {"initVideoCaptureBuffer", &W::initVideoCaptureBuffer},
@@ -240,6 +252,11 @@ OptionalKeys& OptionalKeys::int32(const char* key, int32_t& field, const char* m
   return *this;
 }
 
+OptionalKeys& OptionalKeys::uint32(const char* key, uint32_t& field, const char* message) {
+  if (take(key, ArgType::Number, message)) field = truncatedUint32(object_, key);
+  return *this;
+}
+
 OptionalKeys& OptionalKeys::boolean(const char* key, bool& field, const char* message) {
   if (take(key, ArgType::Boolean, message)) field = object_.boolean(key);
   return *this;
@@ -248,11 +265,6 @@ OptionalKeys& OptionalKeys::boolean(const char* key, bool& field, const char* me
 OptionalKeys& OptionalKeys::int32List(const char* key, std::vector<int32_t>& field,
                                       const char* message) {
   if (take(key, ArgType::Array, message)) field = object_.int32List(key);
-  return *this;
-}
-
-OptionalKeys& OptionalKeys::uint32(const char* key, uint32_t& field, const char* message) {
-  if (take(key, ArgType::Number, message)) field = truncatedUint32(object_, key);
   return *this;
 }
 

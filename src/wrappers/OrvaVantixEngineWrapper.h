@@ -9,6 +9,9 @@
 //   OrvaVantixEngineWrapper_play.cc     playing remote streams
 //   OrvaVantixEngineWrapper_mixer.cc    stream-mixing tasks
 //   OrvaVantixEngineWrapper_devices.cc  devices, monitors and audio processing
+//   OrvaVantixEngineWrapper_messaging.cc  room messages, recording, network, custom
+//                                       capture and processing switches, screen sources
+//   OrvaVantixEngineWrapper_experimental.cc  the experimental API
 //   OrvaVantixEngineWrapper_frame.cc    the frame buffers script registers for rendering
 // Every method is written in the common shape of OrvaVantixEngineWrapper_shape.h.
 //
@@ -160,6 +163,29 @@ class OrvaVantixEngineWrapper : public Napi::ObjectWrap<OrvaVantixEngineWrapper>
   Napi::Value setReverbEchoParam(const Napi::CallbackInfo& info);
   Napi::Value enableVirtualStereo(const Napi::CallbackInfo& info);
   Napi::Value setAudioEqualizerGain(const Napi::CallbackInfo& info);
+  // ---- messaging and utilities (OrvaVantixEngineWrapper_messaging.cc)
+  Napi::Value getNetworkTimeInfo(const Napi::CallbackInfo& info);
+  Napi::Value sendBroadcastMessage(const Napi::CallbackInfo& info);
+  Napi::Value sendBarrageMessage(const Napi::CallbackInfo& info);
+  Napi::Value sendCustomCommand(const Napi::CallbackInfo& info);
+  Napi::Value startRecordingCapturedData(const Napi::CallbackInfo& info);
+  Napi::Value stopRecordingCapturedData(const Napi::CallbackInfo& info);
+  Napi::Value enableVideoObjectSegmentation(const Napi::CallbackInfo& info);
+  Napi::Value enableAlphaChannelVideoEncoder(const Napi::CallbackInfo& info);
+  Napi::Value enableCustomVideoCapture(const Napi::CallbackInfo& info);
+  Napi::Value enableCustomVideoProcessing(const Napi::CallbackInfo& info);
+  Napi::Value setDummyCaptureImagePath(const Napi::CallbackInfo& info);
+  Napi::Value setCustomVideoCaptureFillMode(const Napi::CallbackInfo& info);
+  Napi::Value startNetworkSpeedTest(const Napi::CallbackInfo& info);
+  Napi::Value stopNetworkSpeedTest(const Napi::CallbackInfo& info);
+  Napi::Value enableCustomAudioCaptureProcessing(const Napi::CallbackInfo& info);
+  Napi::Value enableCustomAudioCaptureProcessingAfterHeadphoneMonitor(const Napi::CallbackInfo& info);
+  Napi::Value setCustomVideoCaptureRegionOfInterest(const Napi::CallbackInfo& info);
+  Napi::Value enableCustomAudioIO(const Napi::CallbackInfo& info);
+  Napi::Value getScreenCaptureSources(const Napi::CallbackInfo& info);
+
+  // ---- experimental API (OrvaVantixEngineWrapper_experimental.cc)
+  Napi::Value callExperimentalAPI(const Napi::CallbackInfo& info);
 
   // ---- frame buffers for rendering (OrvaVantixEngineWrapper_frame.cc)
   Napi::Value initVideoCaptureBuffer(const Napi::CallbackInfo& info);

@@ -147,11 +147,11 @@ class OptionalKeys {
   OptionalKeys& text(const char* key, std::string& field, const char* message);
   // A number read as a 64-bit integer and truncated to 32 bits.
   OptionalKeys& int32(const char* key, int32_t& field, const char* message);
+  // An unsigned number, read like the signed ones (64-bit read cut to 32 bits).
+  OptionalKeys& uint32(const char* key, uint32_t& field, const char* message);
   OptionalKeys& boolean(const char* key, bool& field, const char* message);
   // An array of numbers, each element read as a 32-bit integer.
   OptionalKeys& int32List(const char* key, std::vector<int32_t>& field, const char* message);
-  // An unsigned number, read like the signed ones (64-bit read cut to 32 bits).
-  OptionalKeys& uint32(const char* key, uint32_t& field, const char* message);
   // The bytes of an ArrayBuffer, copied.
   OptionalKeys& bytes(const char* key, std::vector<uint8_t>& field, const char* message);
   // A nested object, handed to read(const ArgObject&), which checks and reads its keys and
@@ -165,6 +165,18 @@ class OptionalKeys {
       return *this;
     }
     ok_ = read(object_.object(key));
+    return *this;
+  }
+
+  // A nested object (type "Object"), whose own optional keys read(OptionalKeys&) reads; its
+  // first wrong key ends the reading here too.
+  template <class Read>
+  OptionalKeys& nested(const char* key, const char* message, Read&& read) {
+    if (take(key, ArgType::Object, message)) {
+      OptionalKeys nested(call_, object_.object(key));
+      read(nested);
+      ok_ = nested.ok();
+    }
     return *this;
   }
 
@@ -222,6 +234,19 @@ struct ExtendedDataResult {
   void fill(Payload& p) const { p.set("errorCode", errorCode).set("extendedData", extendedData); }
 };
 
+// { errorCode, messageID }: a sent room message, its ID the engine's number (broadcast) or
+// text (barrage).
+template <class Id>
+struct MessageResult {
+  int32_t errorCode = 0;
+  Id messageID{};
+
+  template <class Event>
+  static MessageResult of(const Event& event) { return {event.errorCode, event.messageID}; }
+  static MessageResult refused(int32_t code) { return {code, Id{}}; }
+  void fill(Payload& p) const { p.set("errorCode", errorCode).set("messageID", messageID); }
+};
+
 // "OrvaVantixEngineWrapper::<apiName> blocking call failed \n", kept for the life of the
 // process (the dispatch worker prints it after the completion that named it has gone).
 const char* resultFailureLine(const std::string& apiName);
@@ -230,8 +255,10 @@ const char* resultFailureLine(const std::string& apiName);
 // report) and is the method's result on every path.
 class PromiseCall : public MethodCall {
  public:
-  PromiseCall(const Napi::CallbackInfo& info, std::string apiName, ArgumentErrors& errors)
-      : MethodCall(info, std::move(apiName), errors, Mode::Reject) {}
+  // Mode::ReportAndReject also raises the debug alert for a failed check.
+  PromiseCall(const Napi::CallbackInfo& info, std::string apiName, ArgumentErrors& errors,
+              Mode mode = Mode::Reject)
+      : MethodCall(info, std::move(apiName), errors, mode) {}
 
   // The steps before the engine call, in order: called with no argument at all → rejects with
   // undefined; no engine → rejects with argument 0 itself (the object exactly as script gave
@@ -260,6 +287,12 @@ class PromiseCall : public MethodCall {
   template <class Result>
   Napi::Value settle(int32_t engineResult) {
     if (engineResult != 0) resolveNow(Result::refused(engineResult));
+    return promise();
+  }
+
+  // For an engine call that answers at once: resolves with `value` now. Gives the promise.
+  Napi::Value resolve(napi_value value) {
+    deferred().Resolve(value);
     return promise();
   }
 

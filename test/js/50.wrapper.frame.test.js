@@ -12,7 +12,7 @@ const { describeFamily } = require('./support/wrapper-cases');
 const { ENGINE_WRAPPER_METHODS } = require('../fixtures/engine-wrapper-methods');
 
 // Families whose methods are on the class so far. A family joins by being named here.
-const JOINED = ['frame', 'rooms', 'publishing', 'playing', 'mixer', 'devices'];
+const JOINED = ['frame', 'rooms', 'publishing', 'playing', 'mixer', 'devices', 'messaging', 'experimental'];
 
 const ROWS = [
   { method: 'uploadLog', kind: 'U', arg: {}, checks: [], calls: [['orva_vantix_upload_log', {}]] },

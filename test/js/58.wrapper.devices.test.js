@@ -77,7 +77,7 @@ const ROWS = [
   },
   {
     method: 'getAudioDeviceList', kind: 'V', arg: { deviceType: U32 + OUTPUT }, checks: ['deviceType:Number'],
-    calls: listCalls('audio', { deviceType: OUTPUT }), returns: [DEVICES, DEVICES], neutral: [],
+    calls: listCalls('audio', { deviceType: OUTPUT }), returns: [DEVICES, DEVICES], withoutEngine: [],
   },
   {
     method: 'getAudioDeviceVolume', kind: 'V', arg: { deviceType: INPUT, deviceID: 'sim-mic-1' }, checks: ['deviceType:Number', 'deviceID:String'],
@@ -120,7 +120,7 @@ const ROWS = [
   },
   {
     method: 'getVideoDeviceList', kind: 'V', arg: {}, checks: [],
-    calls: listCalls('video', {}), returns: [DEVICES, DEVICES], neutral: [],
+    calls: listCalls('video', {}), returns: [DEVICES, DEVICES], withoutEngine: [],
   },
   {
     // The interval alone: the engine's configured start without voice activity detection.

@@ -10,22 +10,26 @@
 //            'user.userID' is the key userID of the nested object user
 //   calls    the engine calls a valid call makes: [[C function, C arguments as journaled]]
 //   returns  V rows: [value the engine answers (sim.setReturn), value script gets]
-//   neutral  V rows: what script gets when no engine exists (default undefined)
 //   result   P rows: the resolved object, or a predicate on it
 //   throws   a valid call throws this (assert.throws matcher) before any engine call, with an
 //            engine or without one
+//   alerts   P rows whose failed check also raises the debug alert (default: no alert)
+//   withoutEngine  V rows: what script gets with no engine (default: undefined)
+//
+// A path through an array names the element by its index ('toUserList.1.userName'); the
+// checker names the element's keys by the array's key ('param toUserList.userName missing').
 //
 // For every row it checks:
 //   - each checked key missing, then of the wrong type: the checker's exact message, as an
 //     "onDebugError" under the reported name (U, V; V then returns undefined) or as the
-//     promise's rejection with no alert (P, which also rejects with undefined when called
-//     with no argument); no engine call at all;
+//     promise's rejection with no alert unless the row says it alerts (P, which also
+//     rejects with undefined when called with no argument); no engine call at all;
 //   - a valid call: "call func:<reported name>", exactly the expected engine calls (the
 //     conversions: 64-bit reads cut to 32 bits, unsigned wrap-around, defaults), the return;
 //   - with no engine (after DestroyEngine, and on a wrapper whose engine never came up):
-//     no engine call, undefined for U, the row's neutral value for V, and P rejects with its
-//     own argument object (with undefined when called with no argument); a row that throws
-//     throws all the same.
+//     no engine call, undefined for U, the row's `withoutEngine` value for V (default
+//     undefined), and P rejects with its own argument object (with undefined when called
+//     with no argument); a row that throws throws all the same.
 
 const test = require('node:test');
 const assert = require('node:assert');
@@ -63,7 +67,7 @@ function edited(arg, path, edit) {
 // The checker's messages: the object name is the key's parent ('' at the top); an array
 // element ('inputList.0.streamID') is named by its array.
 function messages(path, type) {
-  const keys = path.split('.');
+  const keys = path.split('.').filter((k) => !/^\d+$/.test(k));
   const key = keys.pop();
   const parents = keys.filter((k) => !/^\d+$/.test(k));
   const objectName = parents.length ? parents[parents.length - 1] : '';
@@ -90,10 +94,8 @@ async function settled(promise, ms = 2000) {
 }
 
 // Calls engine[method](arg) and waits for the "onDebugError" it must cause.
-async function expectAlert(session, engine, row, arg, errorInfo) {
-  const before = session.named('onDebugError').length;
-  const returned = engine[row.method](arg);
-  assert.strictEqual(returned, undefined, 'a failed check returns undefined');
+// Waits for the "onDebugError" that a failed check raised after `before` alerts.
+async function alertAfter(session, before, row, errorInfo) {
   await until(() => session.named('onDebugError').length > before, 5000, `the alert of ${row.method}`);
   const { payload } = session.named('onDebugError')[before];
   assert.strictEqual(payload.funcName, row.name || row.method);
@@ -101,11 +103,19 @@ async function expectAlert(session, engine, row, arg, errorInfo) {
   assert.strictEqual(payload.errorCode, -1);
 }
 
+async function expectAlert(session, engine, row, arg, errorInfo) {
+  const before = session.named('onDebugError').length;
+  const returned = engine[row.method](arg);
+  assert.strictEqual(returned, undefined, 'a failed check returns undefined');
+  await alertAfter(session, before, row, errorInfo);
+}
+
 async function expectRejection(session, engine, row, arg, reason) {
   const before = session.named('onDebugError').length;
   const outcome = await settled(engine[row.method](arg));
   assert.deepStrictEqual(outcome, { state: 'rejected', reason });
-  assert.strictEqual(session.named('onDebugError').length, before, 'a promise method raises no alert');
+  if (row.alerts) await alertAfter(session, before, row, reason);
+  else assert.strictEqual(session.named('onDebugError').length, before, 'a promise method raises no alert');
 }
 
 async function checkFailures(sim, session, engine, row) {
@@ -169,7 +179,7 @@ async function checkWithoutEngine(sim, engine, row) {
     assert.strictEqual(outcome.reason, arg, 'rejected with the very object given');
     assert.deepStrictEqual(await settled(engine[row.method]()), { state: 'rejected', reason: undefined });
   } else {
-    assert.deepStrictEqual(returned, row.kind === 'V' ? row.neutral : undefined);
+    assert.deepStrictEqual(returned, row.withoutEngine);
   }
   assert.deepStrictEqual(engineCalls(sim), [], 'no engine call');
 }
