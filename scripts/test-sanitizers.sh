@@ -30,6 +30,10 @@ for kind in asan tsan; do
     scripts/run-sanitized.sh --no-preload "$kind" ctest --preset "$kind" --output-on-failure
   part "$kind script tests (node --test)" \
     scripts/run-sanitized.sh "$kind" node scripts/run-js-tests.js
+  if [[ $kind == asan ]]; then
+    part "asan fuzzing (50,000 calls)" \
+      scripts/run-sanitized.sh asan node test/fuzz/run.js --calls 50000 --seed 20261124
+  fi
 done
 
 # Teardown storms under ThreadSanitizer: a fifth of the release build's runs, as each child
