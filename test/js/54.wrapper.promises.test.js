@@ -6,7 +6,7 @@
 
 const test = require('node:test');
 const assert = require('node:assert');
-const { loadAddon, loadSim, createEngine, runNode } = require('./support/addon-harness');
+const { loadAddon, loadSim, createEngine, runNode, engineForTest } = require('./support/addon-harness');
 const { settled } = require('./support/wrapper-cases');
 
 const errorCodeOnly = (errorCode) => ({ errorCode });
@@ -23,14 +23,7 @@ const PROMISES = [
 ];
 
 test('promise methods with an engine', async (t) => {
-  const addon = loadAddon();
-  const sim = loadSim();
-  const session = createEngine(addon);
-  t.after(() => {
-    sim.autoComplete(true);
-    session.destroy();
-  });
-  const { engine } = session;
+  const { sim, session, engine } = engineForTest(t);
 
   for (const row of PROMISES) {
     await t.test(`${row.method}: settled by the engine's answer, routed by sequence number`, async () => {

@@ -6,7 +6,7 @@
 const test = require('node:test');
 const assert = require('node:assert');
 const jpeg = require('jpeg-js');
-const { loadAddon, loadSim, createEngine } = require('./support/addon-harness');
+const { loadAddon, loadSim, createEngine, engineForTest } = require('./support/addon-harness');
 const { settled } = require('./support/wrapper-cases');
 
 const QUADRANTS = { topLeft: [255, 0, 0], topRight: [0, 255, 0], bottomLeft: [0, 0, 255], bottomRight: [255, 255, 255] };
@@ -33,14 +33,7 @@ function assertQuadrants(colours) {
 }
 
 test('snapshots', async (t) => {
-  const addon = loadAddon();
-  const sim = loadSim();
-  const session = createEngine(addon);
-  t.after(() => {
-    sim.autoComplete(true);
-    session.destroy();
-  });
-  const { engine } = session;
+  const { sim, session, engine } = engineForTest(t);
 
   const ROWS = [
     { method: 'takePublishStreamSnapshot', arg: { channel: 0 }, key: { channel: 0 } },

@@ -6,7 +6,7 @@
 
 const test = require('node:test');
 const assert = require('node:assert');
-const { loadAddon, loadSim, createEngine, until } = require('./support/addon-harness');
+const { loadAddon, loadSim, createEngine, until, engineForTest } = require('./support/addon-harness');
 const { describeFamily, engineCalls, settled } = require('./support/wrapper-cases');
 
 const U32 = 2 ** 32;
@@ -134,14 +134,7 @@ const ROWS = [
 describeFamily('messaging', ROWS);
 
 test('messaging: the rules of the family', async (t) => {
-  const addon = loadAddon();
-  const sim = loadSim();
-  const session = createEngine(addon);
-  t.after(() => {
-    sim.autoComplete(true);
-    session.destroy();
-  });
-  const { engine } = session;
+  const { sim, session, engine } = engineForTest(t);
   const alertsOf = async (method, arg) => {
     const before = session.named('onDebugError').length;
     assert.strictEqual(engine[method](arg), undefined);

@@ -56,6 +56,19 @@ function createEngine(addon, extra = {}) {
   };
 }
 
+// An engine for one test (or suite) `t`: the addon, the simulated engine and a recording
+// session, torn down after `t` with the engine's automatic answers restored.
+function engineForTest(t) {
+  const addon = loadAddon();
+  const sim = loadSim();
+  const session = createEngine(addon);
+  t.after(() => {
+    sim.autoComplete(true);
+    session.destroy();
+  });
+  return { addon, sim, session, engine: session.engine };
+}
+
 // Runs `code` in a fresh node process (the build under test is inherited through the
 // environment) and returns { status, stdout, stderr }.
 function runNode(code, { env = {}, timeout = 60000 } = {}) {
@@ -85,6 +98,7 @@ module.exports = {
   until,
   blockScriptThread,
   createEngine,
+  engineForTest,
   runNode,
   countLines,
 };
